@@ -1,0 +1,64 @@
+#ifndef TAPFORGE_SCAN_COMPOSITE_H
+#define TAPFORGE_SCAN_COMPOSITE_H
+
+#include <array>
+#include <cstdint>
+
+#include "scan/tap_obj.h"
+#include "shell/reporter.h"
+
+namespace tapforge {
+
+/// Which value of the patterns is composed.
+enum class ScanValue { tdi, tdo, mask, smask };
+
+/// One value of the scan of a whole chain: the header's bits lowest (shifted
+/// first), then the statement's own, then the trailer's. The pieces are read
+/// where they lie, 64 bits at a time; nothing is joined in memory. Views of it
+/// are good until one of the patterns changes.
+///
+/// A header or trailer without the value is filled with 1s for TDI and SMASK
+/// and with 0s for TDO and MASK; the statement's own part is filled with 1s.
+class CompositeScan {
+ public:
+  /// `length` is that of compositeLength().
+  CompositeScan(const RegisterPatterns& patterns, ScanValue value, long length);
+
+  /// A value of a single pattern, on its own.
+  CompositeScan(const CTapField& field, long length);
+
+  long length() const { return length_; }  // bits
+  long digits() const { return length_ / 4 + (length_ % 4 != 0 ? 1 : 0); }
+
+  /// Bits `low` (at least 0) to `low` + 63; those above the length are 0.
+  std::uint64_t bits(long low) const {
+    if (low >= bodyBegin_ && low <= bodyLast_) return body_->bitsAt(low - bodyBegin_);
+    return gather(low);
+  }
+
+ private:
+  struct Piece {
+    const CTapField* field;  // null: `fill` in every bit
+    std::uint64_t fill;
+    long begin;  // composite bit of the piece's bit 0
+    long end;
+  };
+
+  std::uint64_t gather(long low) const;
+
+  std::array<Piece, 3> pieces_;  // from the header up
+  int count_ = 0;
+  long length_;
+  // A word that begins in here lies wholly in the statement's own value.
+  const CTapField* body_ = nullptr;
+  long bodyBegin_ = 0;
+  long bodyLast_ = -1;
+};
+
+/// Header, data and trailer together, in bits. Lengths that no long can hold
+/// are fatal: "consD[0]".
+long compositeLength(const RegisterPatterns& patterns, Reporter& report);
+
+}  // namespace tapforge
+
+#endif  // TAPFORGE_SCAN_COMPOSITE_H

@@ -1,0 +1,34 @@
+#ifndef TAPFORGE_SCAN_HEX_DIGITS_H
+#define TAPFORGE_SCAN_HEX_DIGITS_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tapforge {
+
+/// The loops that every digit of a scan passes through: hex text in, hex text
+/// out, sixteen digits at a time where the machine can. Each has a plain twin
+/// in namespace `plain`, which other machines use and tests compare with.
+
+/// The value of a hex digit, or -1.
+int hexValue(unsigned char c);
+
+/// Decodes the hex digits at the start of `text`, at most `count`, into the
+/// row of nibbles `row`: the first digit goes to nibble `top`, each further
+/// one to the nibble below (nibble i is in byte i / 2, low half when i is
+/// even). Stops at the first other character. Returns the number decoded.
+/// Nibbles below them in the byte last written are left alone.
+std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top);
+
+/// Writes the sixteen digits of `bits`, the most significant one first.
+enum class HexCase { lower, upper };
+void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
+
+namespace plain {
+std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top);
+void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
+}  // namespace plain
+
+}  // namespace tapforge
+
+#endif  // TAPFORGE_SCAN_HEX_DIGITS_H

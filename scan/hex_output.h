@@ -1,0 +1,36 @@
+#ifndef TAPFORGE_SCAN_HEX_OUTPUT_H
+#define TAPFORGE_SCAN_HEX_OUTPUT_H
+
+#include <algorithm>
+
+#include "scan/hex_digits.h"
+#include "shell/output_file.h"
+
+namespace tapforge {
+
+/// Writes `count` hex digits, from digit `top` downwards, digit 0 being the
+/// least significant one. `bits(low)` gives the 64 bits from bit `low` up; bits
+/// above the digits asked for do no harm.
+template <typename Bits>
+void writeDigits(OutputFile& output, const Bits& bits, long top, long count, HexCase hexCase) {
+  constexpr long kAtOnce = 256;
+  while (count > 0) {
+    long rest = std::min(count, kAtOnce);
+    count -= rest;
+    char* out = output.reserve(kAtOnce + 16);
+    for (; rest >= 16; rest -= 16, top -= 16, out += 16) {
+      encodeHex16(bits(4 * (top - 15)), hexCase, out);
+    }
+    if (rest > 0) {
+      // The last digits, moved to the front of a group of sixteen.
+      encodeHex16(bits(4 * (top - rest + 1)) << (64 - 4 * rest), hexCase, out);
+      top -= rest;
+      out += rest;
+    }
+    output.advance(out);
+  }
+}
+
+}  // namespace tapforge
+
+#endif  // TAPFORGE_SCAN_HEX_OUTPUT_H

@@ -1,0 +1,66 @@
+#include "scan/tap_field.h"
+
+#include <algorithm>
+
+namespace tapforge {
+
+void CTapField::initTapField(long length, Reporter& report) {
+  lLength_ = length;
+  // Not (length + 3) / 4: the length can be the largest long.
+  lNumChars_ = length / 4 + (length % 4 != 0 ? 1 : 0);
+  lNumBytes_ = length / 8 + (length % 8 != 0 ? 1 : 0);
+  lStartChar_ = 0;
+  if (lNumBytes_ <= capacity_) {
+    std::memset(pData_.get(), 0, static_cast<std::size_t>(lNumBytes_ + kPadding));
+    return;
+  }
+  // Old storage goes first, so that both never exist together. calloc gives
+  // large storage as untouched zero pages, so a field costs what is written.
+  pData_.reset();
+  capacity_ = 0;
+  pData_.reset(
+      static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(lNumBytes_ + kPadding), 1)));
+  report.nullPtrChk(pData_ != nullptr, "pData NULL");
+  capacity_ = lNumBytes_;
+}
+
+int CTapField::physicalDigit(long index) const {
+  const unsigned byte = pData_.get()[index / 2];
+  return static_cast<int>(index % 2 != 0 ? byte >> 4 : byte & 15U);
+}
+
+int CTapField::getTapDataChar(long index) const {
+  const long rotated = index + lStartChar_;
+  return physicalDigit(rotated >= lNumChars_ ? rotated - lNumChars_ : rotated);
+}
+
+void CTapField::putDigit(long index, unsigned value) {
+  unsigned char& byte = pData_.get()[index / 2];
+  byte = static_cast<unsigned char>(index % 2 != 0 ? (byte & 0x0fU) | (value << 4)
+                                                   : (byte & 0xf0U) | value);
+}
+
+void CTapField::setTapDataChar(long index, unsigned value) {
+  putDigit(index, value);
+  lStartChar_ = index;
+}
+
+void CTapField::reverse(long from, long to) {
+  while (from < --to) {
+    const auto low = static_cast<unsigned>(physicalDigit(from));
+    putDigit(from, static_cast<unsigned>(physicalDigit(to)));
+    putDigit(to, low);
+    ++from;
+  }
+}
+
+void CTapField::normalise() {
+  if (lStartChar_ == 0) return;
+  // Turned by three reversals: no second row is needed, however long it is.
+  reverse(0, lStartChar_);
+  reverse(lStartChar_, lNumChars_);
+  reverse(0, lNumChars_);
+  lStartChar_ = 0;
+}
+
+}  // namespace tapforge

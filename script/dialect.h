@@ -1,0 +1,30 @@
+#ifndef TAPFORGE_SCRIPT_DIALECT_H
+#define TAPFORGE_SCRIPT_DIALECT_H
+
+#include "shell/dialect.h"
+
+namespace progmode_svf2tapbus {
+
+inline constexpr tapforge::Dialect kDialect = {
+    .toolName = "svf2tapbus",
+    .startLabel = "Start ",
+    .finishLabel = "Finish",
+    .elapsedLead = "     Elapsed time (",
+    .elapsedTail = ")\t",
+    .screenRewind = "\r",
+    // A carriage return and 58 blanks.
+    .screenWipe = "\r                                                          ",
+    .emptyAnswerTakesNext = false,
+    .numberTooLong = "Beyond max number width [30]",
+    .tokenMissing = {"Expecting [", "]"},
+    .endOfFile = "Unexpected EOF",
+    .endOfFileHasPosition = true,
+    .blankEndsWord = true,
+    .blankIsItem = false,
+    .hexEndsWithFile = false,
+    .timesNeedFrequency = false,
+};
+
+}  // namespace progmode_svf2tapbus
+
+#endif  // TAPFORGE_SCRIPT_DIALECT_H

@@ -1,0 +1,24 @@
+#include "shell/prog_mode.h"
+
+#include <cstdio>
+#include <string_view>
+
+ProgMode getProgMode(std::span<char*> arguments) {
+  ProgMode mode = ProgMode::unset;
+  const auto set = [&mode](ProgMode named) {
+    if (mode != ProgMode::unset) {
+      std::printf("Program mode already set to %d", static_cast<int>(mode));
+    }
+    mode = named;
+  };
+  for (const std::string_view argument : arguments) {
+    if (argument == "-tapbus") {
+      set(ProgMode::svf2tapbus);
+    } else if (argument == "-ksvf") {
+      set(ProgMode::svf2ksvf);
+    } else if (argument == "-check_locale") {
+      checkSysLocale();
+    }
+  }
+  return mode;
+}

@@ -1,0 +1,46 @@
+#ifndef TAPFORGE_SVF_STATEMENTS_H
+#define TAPFORGE_SVF_STATEMENTS_H
+
+#include <string_view>
+
+#include "svf/run.h"
+
+namespace tapforge {
+
+enum class Keyword {
+  unknown,
+  endir,
+  enddr,
+  frequency,
+  hir,
+  hdr,
+  sir,
+  sdr,
+  tir,
+  tdr,
+  pio,
+  piomap,
+  runtest,
+  state,
+  trst
+};
+
+/// The statement that a lower-case token begins.
+Keyword keywordOf(std::string_view token);
+
+/// The pattern that a scan statement (HIR to TDR) is about, and the register
+/// that it belongs to.
+CTapPattern& patternOf(Keyword scan, CTapObj& tap);
+RegisterPatterns& registerOf(Keyword scan, CTapObj& tap);
+bool isDataScan(Keyword scan);
+
+/// Gives what a scan statement read to its pattern; fatal "SVF rule violation"
+/// when the pattern refuses it.
+void storeScan(CTapPattern& pattern, ScanValues& values, Run& run);
+
+/// Warns of an unknown keyword and reads its statement away.
+void skipUnknown(Run& run);
+
+}  // namespace tapforge
+
+#endif  // TAPFORGE_SVF_STATEMENTS_H

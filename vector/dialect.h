@@ -1,0 +1,34 @@
+#ifndef TAPFORGE_VECTOR_DIALECT_H
+#define TAPFORGE_VECTOR_DIALECT_H
+
+#include "shell/dialect.h"
+
+namespace progmode_svf2ksvf {
+
+inline constexpr tapforge::Dialect kDialect = {
+    .toolName = "svf2ksvf",
+    .startLabel = "Start  ",
+    .finishLabel = "Finish ",
+    .elapsedLead = "      Elapsed Time (",
+    .elapsedTail = ")",
+    // A carriage return, 79 blanks and a carriage return.
+    .screenRewind =
+        "\r                                        "
+        "                                       \r",
+    .screenWipe =
+        "\r                                        "
+        "                                       \r",
+    .emptyAnswerTakesNext = true,
+    .numberTooLong = "number exceeds [30] digits",
+    .tokenMissing = {"Token [", "] not found"},
+    .endOfFile = "EOF_CH",
+    .endOfFileHasPosition = false,
+    .blankEndsWord = false,
+    .blankIsItem = true,
+    .hexEndsWithFile = true,
+    .timesNeedFrequency = true,
+};
+
+}  // namespace progmode_svf2ksvf
+
+#endif  // TAPFORGE_VECTOR_DIALECT_H
