@@ -26,24 +26,39 @@ CompositeScan::CompositeScan(const RegisterPatterns& patterns, ScanValue value, 
     : length_(length) {
   constexpr std::uint64_t kOnes = ~std::uint64_t{0};
   const bool shifted = value == ScanValue::tdi || value == ScanValue::smask;
-  long begin = 0;
-  for (const CTapPattern* pattern : {&patterns.head, &patterns.data, &patterns.trail}) {
-    if (pattern->length() == 0) continue;
-    const bool isData = pattern == &patterns.data;
-    pieces_[static_cast<std::size_t>(count_++)] = {
-        valueOf(*pattern, value), isData || shifted ? kOnes : 0, begin, begin + pattern->length()};
-    begin += pattern->length();
-  }
-  if (const CTapField* own = valueOf(patterns.data, value); own != nullptr) {
+  const std::uint64_t fill = shifted ? kOnes : 0;
+  const long dataBegin = patterns.head.length();
+  const long dataEnd = dataBegin + patterns.data.length();
+  const CTapField* const own = valueOf(patterns.data, value);
+  addPiece({valueOf(patterns.head, value), fill, 0, dataBegin});
+  addPiece({own, kOnes, dataBegin, dataEnd});
+  addPiece({valueOf(patterns.trail, value), fill, dataEnd, length});
+  if (own != nullptr) {
     body_ = own;
-    bodyBegin_ = patterns.head.length();
-    bodyLast_ = bodyBegin_ + patterns.data.length() - 64;
+    bodyBegin_ = dataBegin;
+    bodyLast_ = dataEnd - kWord;
   }
 }
 
 CompositeScan::CompositeScan(const CTapField& field, long length)
-    : count_(1), length_(length), body_(&field), bodyLast_(length - 64) {
-  pieces_[0] = {&field, 0, 0, length};
+    : length_(length), body_(&field), bodyLast_(length - kWord) {
+  addPiece({&field, 0, 0, length});
+}
+
+// The bits of a piece from one of its own on; 0 above its end.
+std::uint64_t CompositeScan::pieceBits(const Piece& piece, long from) {
+  const std::uint64_t bits = piece.field != nullptr ? piece.field->bitsAt(from) : piece.fill;
+  const long count = piece.end - piece.begin - from;
+  return count >= kWord ? bits : bits & ((std::uint64_t{1} << count) - 1);
+}
+
+void CompositeScan::addPiece(const Piece& piece) {
+  if (piece.begin == piece.end) return;
+  if (length_ <= kWord) {
+    word_ |= pieceBits(piece, 0) << piece.begin;
+  } else {
+    pieces_[static_cast<std::size_t>(count_++)] = piece;
+  }
 }
 
 std::uint64_t CompositeScan::gather(long low) const {
@@ -51,12 +66,8 @@ std::uint64_t CompositeScan::gather(long low) const {
   for (int i = 0; i < count_; ++i) {
     const Piece& piece = pieces_[static_cast<std::size_t>(i)];
     const long from = std::max(low, piece.begin);
-    const long count = piece.end - from;
-    if (count <= 0 || from - low >= 64) continue;
-    std::uint64_t part =
-        piece.field != nullptr ? piece.field->bitsAt(from - piece.begin) : piece.fill;
-    if (count < 64) part &= (std::uint64_t{1} << count) - 1;
-    bits |= part << (from - low);
+    if (piece.end <= from || from - low >= kWord) continue;
+    bits |= pieceBits(piece, from - piece.begin) << (from - low);
   }
   return bits;
 }

@@ -33,7 +33,7 @@ class CompositeScan {
   /// Bits `low` (at least 0) to `low` + 63; those above the length are 0.
   std::uint64_t bits(long low) const {
     if (low >= bodyBegin_ && low <= bodyLast_) return body_->bitsAt(low - bodyBegin_);
-    return gather(low);
+    return length_ <= kWord ? word_ >> low : gather(low);
   }
 
  private:
@@ -44,15 +44,20 @@ class CompositeScan {
     long end;
   };
 
+  static constexpr long kWord = 64;
+
+  static std::uint64_t pieceBits(const Piece& piece, long from);
+  void addPiece(const Piece& piece);
   std::uint64_t gather(long low) const;
 
-  std::array<Piece, 3> pieces_;  // from the header up
-  int count_ = 0;
   long length_;
+  std::uint64_t word_ = 0;  // all of it, when it fits
   // A word that begins in here lies wholly in the statement's own value.
   const CTapField* body_ = nullptr;
   long bodyBegin_ = 0;
   long bodyLast_ = -1;
+  std::array<Piece, 3> pieces_;  // from the header up, when it does not fit
+  int count_ = 0;
 };
 
 /// Header, data and trailer together, in bits. Lengths that no long can hold

@@ -1,7 +1,7 @@
 #include "scan/hex_digits.h"
 
+#include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 
 #if defined(__SSE2__) && defined(__x86_64__)
@@ -85,22 +85,33 @@ inline std::uint64_t packDigits(__m128i values) {
 }  // namespace
 
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top) {
+  constexpr std::size_t kStep = 16;
   std::size_t done = 0;
-  // Sixteen digits fill eight whole bytes only when the first is a high nibble.
-  if (count > 0 && top % 2 == 0) {
-    if (plain::decodeHex(text, 1, row, top) == 0) return 0;
-    done = 1;
-  }
-  while (count - done >= 16) {
+  while (done < count) {
     unsigned good = 0;
     const __m128i values =
         digitValues(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text + done)), good);
-    if (good != 0xffff) break;
-    const std::uint64_t digits = packDigits(values);
-    std::memcpy(row + (top - static_cast<long>(done)) / 2 - 7, &digits, sizeof digits);
-    done += 16;
+    const auto run = static_cast<std::size_t>(__builtin_ctz(~good));  // 16 when all are
+    std::size_t taken = std::min(run, count - done);
+    if (taken == 0) break;
+    long low = top - static_cast<long>(done + taken) + 1;
+    if (taken == kStep && low % 2 != 0) {
+      // Between bytes: one digit less, and the next sixteen fill whole bytes.
+      --taken;
+      ++low;
+    }
+    const std::uint64_t digits = packDigits(values) >> (4 * (kStep - taken));
+    // Up to fifteen digits and half a byte go into one word. What the row holds
+    // above them must stay, and what it holds below is still 0.
+    unsigned char* const place = row + low / 2;
+    std::uint64_t word = 0;
+    std::memcpy(&word, place, sizeof word);
+    word |= digits << (4 * (low % 2));
+    std::memcpy(place, &word, sizeof word);
+    done += taken;
+    if (run < kStep && taken == run) break;
   }
-  return done + plain::decodeHex(text + done, count - done, row, top - static_cast<long>(done));
+  return done;
 }
 
 void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {

@@ -16,8 +16,8 @@ int hexValue(unsigned char c);
 /// Decodes the hex digits at the start of `text`, at most `count`, into the
 /// row of nibbles `row`: the first digit goes to nibble `top`, each further
 /// one to the nibble below (nibble i is in byte i / 2, low half when i is
-/// even). Stops at the first other character. Returns the number decoded.
-/// Nibbles below them in the byte last written are left alone.
+/// even), all of them 0 before. Stops at the first other character. Returns the
+/// number decoded. 16 bytes behind the text and 8 behind the row may be read.
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top);
 
 /// Writes the sixteen digits of `bits`, the most significant one first.

@@ -45,9 +45,10 @@ class HexReader {
       const unsigned char* text = source_.begin();
       auto count = std::min<long>(source_.end() - text, position_ + 1);
       // A position that is a multiple of the step is reported when it is next
-      // to be written, so a run stops there.
-      const long step = position_ % kProgressStep;
-      count = std::min(count, step == 0 ? kProgressStep : step);
+      // to be written, so a run stops above it.
+      if (position_ > kProgressStep) {
+        count = std::min(count, (position_ - 1) % kProgressStep + 1);
+      }
       const auto done = static_cast<long>(
           decodeHex(text, static_cast<std::size_t>(count), field_.bytes(), position_));
       if (done == 0) return;
@@ -101,11 +102,11 @@ bool isZero(const CTapField& field) {
 }
 
 /// The value that a word of a scan statement names; null for any other word.
-FieldPtr ScanValues::*valueNamed(std::string_view word) {
-  if (word == "tdi") return &ScanValues::pTdi;
-  if (word == "tdo") return &ScanValues::pTdo;
-  if (word == "mask") return &ScanValues::pMask;
-  if (word == "smask") return &ScanValues::pSmask;
+FieldPtr ScanValues::*valueNamed(const Lexer& lexer) {
+  if (lexer.is("tdi")) return &ScanValues::pTdi;
+  if (lexer.is("tdo")) return &ScanValues::pTdo;
+  if (lexer.is("mask")) return &ScanValues::pMask;
+  if (lexer.is("smask")) return &ScanValues::pSmask;
   return nullptr;
 }
 
@@ -132,8 +133,8 @@ ScanValues readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
     lexer.skipUntil(";");
     return values;
   }
-  while (lexer.lex() != ";") {
-    FieldPtr ScanValues::*const kind = valueNamed(lexer.token());
+  while (!lexer.lexIs(";")) {
+    FieldPtr ScanValues::*const kind = valueNamed(lexer);
     if (kind == nullptr) {
       run.report.fatal(cat("Invalid SDR format [", lexer.token(), "]"));
     }

@@ -10,6 +10,10 @@ void CTapField::initTapField(long length, Reporter& report) {
   lNumChars_ = length / 4 + (length % 4 != 0 ? 1 : 0);
   lNumBytes_ = length / 8 + (length % 8 != 0 ? 1 : 0);
   lStartChar_ = 0;
+  if (lNumBytes_ <= kSmall && capacity_ >= kSmall) {
+    std::memset(pData_.get(), 0, kSmall + kPadding);  // a constant: no call
+    return;
+  }
   if (lNumBytes_ <= capacity_) {
     std::memset(pData_.get(), 0, static_cast<std::size_t>(lNumBytes_ + kPadding));
     return;
@@ -18,10 +22,11 @@ void CTapField::initTapField(long length, Reporter& report) {
   // large storage as untouched zero pages, so a field costs what is written.
   pData_.reset();
   capacity_ = 0;
+  const long wanted = std::max(lNumBytes_, kSmall);
   pData_.reset(
-      static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(lNumBytes_ + kPadding), 1)));
+      static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(wanted + kPadding), 1)));
   report.nullPtrChk(pData_ != nullptr, "pData NULL");
-  capacity_ = lNumBytes_;
+  capacity_ = wanted;
 }
 
 int CTapField::physicalDigit(long index) const {

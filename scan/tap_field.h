@@ -69,6 +69,8 @@ class CTapField {
 
   /// Bytes behind the last one that may be read.
   static constexpr long kPadding = 16;
+  /// Most fields fit into this many bytes.
+  static constexpr long kSmall = 48;
 
  private:
   static std::uint64_t loadLittle(const unsigned char* from) {

@@ -21,7 +21,7 @@ void doEndState(ScanRegister which, Run& run, ScriptWriter& script) {
 void doState(Run& run, ScriptWriter& script) {
   script.beginState();
   TapState previous = TapState::unknown;
-  while (run.lexer.lex() != ";") {
+  while (!run.lexer.lexIs(";")) {
     const TapState state = tapforge::readPathState(run);
     if (previous != TapState::unknown && !tapforge::checkTapPath(previous, state)) {
       run.report.fatal("Invalid pathstate");
@@ -66,7 +66,7 @@ bool processSVF(const Vars& vars, LineReader& source, OutputFile& output, Report
   while (run.lexer.lexKeyword()) {
     const long line = source.lineNumber();
     if (vars.lGlobPrintLine > 0 && line % vars.lGlobPrintLine == 0) script.lineMarker(line);
-    const Keyword keyword = tapforge::keywordOf(run.lexer.token());
+    const Keyword keyword = tapforge::keywordOf(run.lexer);
     switch (keyword) {
       case Keyword::hir:
       case Keyword::hdr:

@@ -7,6 +7,7 @@
 
 namespace progmode_svf2tapbus {
 
+using tapforge::appendDecimal;
 using tapforge::cat;
 using tapforge::truncated;
 
@@ -87,7 +88,10 @@ void ScriptWriter::runCount(long count, std::string_view unit) {
   if (isTcl()) {
     splitWait(count);
   } else {
-    sBufStatement_ += cat(" ", count, " ", unit);
+    sBufStatement_ += ' ';
+    appendDecimal(sBufStatement_, count);
+    sBufStatement_ += ' ';
+    sBufStatement_ += unit;
   }
 }
 
@@ -123,7 +127,8 @@ void ScriptWriter::splitWait(long clocks) {
     sBufStatement_ = "runtest_tapbus";
     clocks -= most;
   }
-  sBufStatement_ += cat(" -tck ", clocks);
+  sBufStatement_ += " -tck ";
+  appendDecimal(sBufStatement_, clocks);
 }
 
 }  // namespace progmode_svf2tapbus

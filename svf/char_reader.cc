@@ -1,19 +1,14 @@
 #include "svf/char_reader.h"
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
 
 #include "shell/text.h"
+#include "svf/line_end.h"
 
 namespace progmode_svf2ksvf {
-namespace {
 
-long countLines(const unsigned char* begin, const unsigned char* end) {
-  return std::count(begin, end, static_cast<unsigned char>('\n'));
-}
-
-}  // namespace
+using tapforge::countLineFeeds;
 
 CharReader::CharReader(tapforge::FilePtr file, std::string name, Reporter& report)
     : SourceReader(std::move(file), std::move(name), report), countedTo_(cur_), echoFrom_(cur_) {}
@@ -21,7 +16,7 @@ CharReader::CharReader(tapforge::FilePtr file, std::string name, Reporter& repor
 bool CharReader::nextWindow() {
   if (atEnd_) endOfFile();
   storeEcho();
-  linesBefore_ += countLines(countedTo_, cur_);
+  linesBefore_ += countLineFeeds(countedTo_, cur_);
   cur_ -= fillBlock(cur_);
   readTo_ = tokenStart_ = countedTo_ = echoFrom_ = cur_;
   end_ = blockEnd_;
@@ -49,7 +44,7 @@ int CharReader::slash() {
   return -1;
 }
 
-long CharReader::lineNumber() const { return linesBefore_ + countLines(countedTo_, position()); }
+long CharReader::lineNumber() const { return linesBefore_ + countLineFeeds(countedTo_, position()); }
 
 std::string CharReader::positionText() const {
   return tapforge::cat("\n[", name(), ": line ", lineNumber(), "]:[", lastItem(), "]");
@@ -68,7 +63,7 @@ void CharReader::storeEcho() {
     sSrcEcho_ += static_cast<char>(*echoFrom_);
     if (*echoFrom_ == '\n') ++echoLine_;
   }
-  echoLine_ += countLines(echoFrom_, to);
+  echoLine_ += countLineFeeds(echoFrom_, to);
   echoFrom_ = to;
 }
 

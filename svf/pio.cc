@@ -33,9 +33,10 @@ void readPioMap(Run& run) {
   map.clear();
   std::unordered_set<std::string> names;
   run.lexer.strSearch("(");
-  while (run.lexer.lex() != ")") {
+  while (!run.lexer.lexIs(")")) {
     map.push_back(directionNamed(run));
-    const std::string_view name = run.lexer.lex();
+    run.lexer.lex();
+    const std::string_view name = run.lexer.token();
     if (run.lexer.type() != TokenType::word) run.report.fatal(kMapFormat);
     if (!names.emplace(name).second) {
       run.report.warning(cat("[", name, "] already defined"), Where::nowhere);

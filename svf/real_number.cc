@@ -44,16 +44,16 @@ Number real(const std::string& text) {
 
 Number getFloat(Lexer& lexer) {
   Reporter& report = lexer.report();
-  if (lexer.lex() == ";") return {};
+  if (lexer.lexIs(";")) return {};
   const bool negative = lexer.is("-");
   if (negative || lexer.is("+")) lexer.lex();
 
   std::string text;
   if (lexer.type() == TokenType::number) {
+    const long value = decimalValue(lexer.token());
     text = lexer.token();
-    if (lexer.lex() != ".") {
+    if (!lexer.lexIs(".")) {
       lexer.unlex();
-      const long value = decimalValue(text);
       if (negative && value > 0) report.fatal("Positive number required");
       return {Number::Kind::integer, 0, value};
     }

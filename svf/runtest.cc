@@ -62,7 +62,7 @@ class RunTestReader {
     tap_.fMinTime = time.asFloat();
     lexer_.strSearch("sec");
     sink_.minTime(tap_.fMinTime);
-    if (lexer_.lex() == ";") return true;
+    if (lexer_.lexIs(";")) return true;
     if (!lexer_.is("maximum")) {
       lexer_.unlex();
       return false;
@@ -76,7 +76,7 @@ class RunTestReader {
   }
 
   void readEndState() {
-    if (lexer_.lex() == ";") return;
+    if (lexer_.lexIs(";")) return;
     if (!lexer_.is("endstate")) report_.fatal("Invalid RUNTEST format");
     lexer_.lex();
     if (lexer_.type() != TokenType::word) report_.fatal("Invalid ENDSTATE");

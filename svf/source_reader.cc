@@ -12,6 +12,7 @@ SourceReader::SourceReader(FilePtr file, std::string name, Reporter& report)
       block_(new unsigned char[kBlock + kPadding]()) {
   std::setvbuf(pFile_.get(), nullptr, _IONBF, 0);
   cur_ = end_ = readTo_ = tokenStart_ = blockEnd_ = block_.get();
+  report_.setInput(this);
 }
 
 void SourceReader::setLastItem(std::string_view item) {

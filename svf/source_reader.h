@@ -16,11 +16,16 @@ namespace tapforge {
 /// hands out characters from a window of text already in memory; only when the
 /// window is used up does the mode's own reader step in and bring the next one.
 ///
+/// While it exists, messages tell their place by it.
+///
 /// The end of the file is met once quietly: next() hands out a blank and
 /// atEnd() becomes true. Reading on is fatal.
 class SourceReader : public InputPosition {
  public:
   SourceReader(FilePtr file, std::string name, Reporter& report);
+  ~SourceReader() override { report_.setInput(nullptr); }
+  SourceReader(const SourceReader&) = delete;
+  SourceReader& operator=(const SourceReader&) = delete;
 
   const std::string& name() const { return sFileName_; }
 

@@ -1,39 +1,24 @@
 #include "svf/statements.h"
 
-#include <array>
-
 #include "shell/text.h"
 
 namespace tapforge {
-namespace {
-
-struct Entry {
-  std::string_view word;
-  Keyword keyword;
-};
-
-// The most frequent ones first.
-constexpr std::array<Entry, 14> kKeywords = {{{"sdr", Keyword::sdr},
-                                              {"runtest", Keyword::runtest},
-                                              {"sir", Keyword::sir},
-                                              {"state", Keyword::state},
-                                              {"endir", Keyword::endir},
-                                              {"enddr", Keyword::enddr},
-                                              {"frequency", Keyword::frequency},
-                                              {"hir", Keyword::hir},
-                                              {"hdr", Keyword::hdr},
-                                              {"tir", Keyword::tir},
-                                              {"tdr", Keyword::tdr},
-                                              {"pio", Keyword::pio},
-                                              {"piomap", Keyword::piomap},
-                                              {"trst", Keyword::trst}}};
-
-}  // namespace
-
-Keyword keywordOf(std::string_view token) {
-  for (const Entry& entry : kKeywords) {
-    if (entry.word == token) return entry.keyword;
-  }
+Keyword keywordOf(const Lexer& lexer) {
+  // The most frequent ones first.
+  if (lexer.is("sdr")) return Keyword::sdr;
+  if (lexer.is("runtest")) return Keyword::runtest;
+  if (lexer.is("sir")) return Keyword::sir;
+  if (lexer.is("state")) return Keyword::state;
+  if (lexer.is("endir")) return Keyword::endir;
+  if (lexer.is("enddr")) return Keyword::enddr;
+  if (lexer.is("frequency")) return Keyword::frequency;
+  if (lexer.is("hir")) return Keyword::hir;
+  if (lexer.is("hdr")) return Keyword::hdr;
+  if (lexer.is("tir")) return Keyword::tir;
+  if (lexer.is("tdr")) return Keyword::tdr;
+  if (lexer.is("pio")) return Keyword::pio;
+  if (lexer.is("piomap")) return Keyword::piomap;
+  if (lexer.is("trst")) return Keyword::trst;
   return Keyword::unknown;
 }
 

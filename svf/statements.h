@@ -1,8 +1,6 @@
 #ifndef TAPFORGE_SVF_STATEMENTS_H
 #define TAPFORGE_SVF_STATEMENTS_H
 
-#include <string_view>
-
 #include "svf/run.h"
 
 namespace tapforge {
@@ -25,8 +23,8 @@ enum class Keyword {
   trst
 };
 
-/// The statement that a lower-case token begins.
-Keyword keywordOf(std::string_view token);
+/// The statement that the current token begins.
+Keyword keywordOf(const Lexer& lexer);
 
 /// The pattern that a scan statement (HIR to TDR) is about, and the register
 /// that it belongs to.

@@ -36,10 +36,8 @@ bool Lexer::advance() {
   for (;;) {
     const unsigned char* p = source_.begin();
     const unsigned char* const end = source_.end();
-    while (p != end && isSpace(*p)) {
-      if (dialect_.blankIsItem) source_.setLastItem(*p);
-      ++p;
-    }
+    while (p != end && isSpace(*p)) ++p;
+    if (dialect_.blankIsItem && p != source_.begin()) source_.setLastItem(p[-1]);
     source_.advanceTo(p);
     if (p == end) {
       if (source_.atEnd()) return false;
@@ -48,28 +46,23 @@ bool Lexer::advance() {
       continue;
     }
     source_.markToken(p);
-    if (getToken(*p)) return true;
+    if (isWordStart(*p)) {
+      type_ = TokenType::word;
+      getRun(kWordLimit, isWordChar);
+      return true;
+    }
+    if (isDigit(*p)) {
+      getNum();
+      return true;
+    }
+    if (getPunctuation(*p)) return true;
     if (source_.atEnd()) return false;
   }
 }
 
-// Reads the token that begins with `c`, the first character of the window.
-// False when it was a comment, or when the file ended before there was one.
-bool Lexer::getToken(unsigned char c) {
-  if (isWordStart(c)) {
-    type_ = TokenType::word;
-    getRun(kWordLimit, isWordChar);
-    return true;
-  }
-  if (isDigit(c)) {
-    getRun(kNumberLimit, continuesNumber);
-    const std::string_view text = token();
-    type_ = TokenType::number;
-    for (const char digit : text) {
-      if (isWordStart(static_cast<unsigned char>(digit))) type_ = TokenType::word;
-    }
-    return true;
-  }
+// A character that is a token by itself, the first one of the window. False
+// when it began a comment, or when the file ended before there was a token.
+bool Lexer::getPunctuation(unsigned char c) {
   source_.advanceTo(source_.begin() + 1);
   type_ = isPunct(c) ? TokenType::punctuation : TokenType::other;
   if (c == '!' || c == '/') {
@@ -92,6 +85,14 @@ bool Lexer::getToken(unsigned char c) {
   return true;
 }
 
+void Lexer::getNum() {
+  getRun(kNumberLimit, continuesNumber);
+  type_ = TokenType::number;
+  for (const char c : token()) {
+    if (isWordStart(static_cast<unsigned char>(c))) type_ = TokenType::word;
+  }
+}
+
 // A run of characters that belong together, the first one at the start of the
 // window.
 template <typename Continues>
@@ -108,13 +109,7 @@ void Lexer::getRun(std::size_t limit, Continues continues) {
     } else {
       source_.peekAt(p);
     }
-    source_.setShortItem(start, size);
-    std::uint64_t text[2];
-    std::memcpy(text, start, kShort);
-    text[0] = lowerEight(text[0]);
-    text[1] = lowerEight(text[1]);
-    std::memcpy(sTokenLower_, text, kShort);
-    size_ = size;
+    takeShort(start, size);
     return;
   }
   // Long, or going on behind the window: one character at a time. The text is
@@ -134,20 +129,28 @@ void Lexer::getRun(std::size_t limit, Continues continues) {
   size_ = count;
 }
 
+// Takes up to kShort characters in fixed steps, whatever stands behind them.
+void Lexer::takeShort(const unsigned char* start, std::size_t size) {
+  source_.setShortItem(start, size);
+  std::uint64_t text = 0;
+  std::memcpy(&text, start, sizeof text);
+  text = lowerEight(text);
+  std::memcpy(sTokenLower_, &text, sizeof text);
+  if (size > sizeof text) {
+    std::memcpy(&text, start + sizeof text, sizeof text);
+    text = lowerEight(text);
+    std::memcpy(sTokenLower_ + sizeof text, &text, sizeof text);
+  }
+  size_ = size;
+}
+
 void Lexer::tooLong(std::size_t limit) {
   if (limit == kWordLimit) report_.fatal(cat("token exceeds ", kWordLimit, " characters"));
   report_.fatal(dialect_.numberTooLong);
 }
 
-void Lexer::strSearch(std::string_view keyword) {
-  if (lex() != keyword) {
-    report_.fatal(cat(dialect_.tokenMissing[0], keyword, dialect_.tokenMissing[1]));
-  }
-}
-
-void Lexer::skipUntil(std::string_view keyword) {
-  while (lex() != keyword) {
-  }
+void Lexer::tokenMissing(std::string_view keyword) {
+  report_.fatal(cat(dialect_.tokenMissing[0], keyword, dialect_.tokenMissing[1]));
 }
 
 long decimalValue(std::string_view digits) {
@@ -169,7 +172,7 @@ bool testIsNum(std::string_view text) {
 }
 
 long lGetLong(Sign sign, Lexer& lexer) {
-  const bool negative = lexer.lex() == "-";
+  const bool negative = lexer.lexIs("-");
   if (negative) {
     if (sign == Sign::nonNegative) lexer.report().fatal("Expected positive number");
     lexer.lex();

@@ -2,6 +2,7 @@
 #define TAPFORGE_SVF_TOKENS_H
 
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 #include "shell/reporter.h"
@@ -25,27 +26,45 @@ class Lexer {
   /// were left before the end of the file.
   bool lexKeyword() { return advance(); }
 
-  /// The next token inside a statement, in lower case. The end of the file
-  /// there is fatal.
-  std::string_view lex() {
+  /// Reads the next token inside a statement. The end of the file there is
+  /// fatal.
+  void lex() {
     if (!advance()) source_.endOfFile();
-    return token();
+  }
+
+  /// As lex(); whether the token is this one (in lower case).
+  template <std::size_t N>
+  bool lexIs(const char (&text)[N]) {
+    lex();
+    return is(text);
   }
 
   /// Gives the current token back: the next read returns it again.
   void unlex() { iUnlex_ = true; }
 
+  /// The current token, in lower case and as written.
   std::string_view token() const { return {sTokenLower_, size_}; }
   std::string_view tokenAsWritten() const { return source_.lastItem(); }
-  bool is(std::string_view text) const { return token() == text; }
+  // A literal's length is a constant, so this comes down to comparing numbers.
+  template <std::size_t N>
+  bool is(const char (&text)[N]) const {
+    return size_ == N - 1 && std::memcmp(sTokenLower_, text, N - 1) == 0;
+  }
   TokenType type() const { return type_; }
 
   /// The next token must be `keyword`, else fatal "Expecting [keyword]" (mode 1:
   /// "Token [keyword] not found").
-  void strSearch(std::string_view keyword);
+  template <std::size_t N>
+  void strSearch(const char (&keyword)[N]) {
+    if (!lexIs(keyword)) tokenMissing(keyword);
+  }
 
   /// Reads tokens away up to and including `keyword`.
-  void skipUntil(std::string_view keyword);
+  template <std::size_t N>
+  void skipUntil(const char (&keyword)[N]) {
+    while (!lexIs(keyword)) {
+    }
+  }
 
   SourceReader& source() { return source_; }
   Reporter& report() { return report_; }
@@ -56,10 +75,13 @@ class Lexer {
 
  private:
   bool advance();
-  bool getToken(unsigned char c);
+  void getNum();
   template <typename Continues>
   void getRun(std::size_t limit, Continues continues);
+  bool getPunctuation(unsigned char c);
+  void takeShort(const unsigned char* start, std::size_t size);
   [[noreturn]] void tooLong(std::size_t limit);
+  [[noreturn]] void tokenMissing(std::string_view keyword);
 
   SourceReader& source_;
   Reporter& report_;

@@ -52,7 +52,7 @@ void MoveWriter::doState() {
   const TapState start = run_.tap.iCurState;
   TapState previous = start;
   bool first = true;
-  while (run_.lexer.lex() != ";") {
+  while (!run_.lexer.lexIs(";")) {
     const TapState state = tapforge::readPathState(run_);
     if (tapforge::checkTapPath(previous, state)) {
       addTapTransition(state);

@@ -36,7 +36,7 @@ class StatementLoop final : private CommentSink {
     for (;;) {
       source_.resetSrcLineBuf();
       if (!run_.lexer.lexKeyword()) break;
-      const Keyword keyword = tapforge::keywordOf(run_.lexer.token());
+      const Keyword keyword = tapforge::keywordOf(run_.lexer);
       if (keyword == Keyword::unknown) {
         tapforge::skipUnknown(run_);
         allKnown = false;
