@@ -9,9 +9,6 @@
 
 namespace tapforge {
 
-/// Which value of the patterns is composed.
-enum class ScanValue { tdi, tdo, mask, smask };
-
 /// One value of the scan of a whole chain: the header's bits lowest (shifted
 /// first), then the statement's own, then the trailer's. The pieces are read
 /// where they lie, 64 bits at a time; nothing is joined in memory. Views of it
@@ -22,10 +19,21 @@ enum class ScanValue { tdi, tdo, mask, smask };
 class CompositeScan {
  public:
   /// `length` is that of compositeLength().
-  CompositeScan(const RegisterPatterns& patterns, ScanValue value, long length);
+  CompositeScan(const RegisterPatterns& patterns, ScanValue value, long length) : length_(length) {
+    const std::uint64_t fill = value == ScanValue::tdi || value == ScanValue::smask ? kOnes : 0;
+    const long dataBegin = patterns.head.length();
+    const long dataEnd = dataBegin + patterns.data.length();
+    addPiece({patterns.head[value], fill, 0, dataBegin});
+    addPiece({patterns.data[value], kOnes, dataBegin, dataEnd});
+    addPiece({patterns.trail[value], fill, dataEnd, length});
+    setBody(patterns.data[value], dataBegin, dataEnd);
+  }
 
   /// A value of a single pattern, on its own.
-  CompositeScan(const CTapField& field, long length);
+  CompositeScan(const CTapField& field, long length) : length_(length) {
+    addPiece({&field, 0, 0, length});
+    setBody(&field, 0, length);
+  }
 
   long length() const { return length_; }  // bits
   long digits() const { return length_ / 4 + (length_ % 4 != 0 ? 1 : 0); }
@@ -45,9 +53,31 @@ class CompositeScan {
   };
 
   static constexpr long kWord = 64;
+  static constexpr std::uint64_t kOnes = ~std::uint64_t{0};
 
-  static std::uint64_t pieceBits(const Piece& piece, long from);
-  void addPiece(const Piece& piece);
+  // The bits of a piece from one of its own on; 0 above its end.
+  static std::uint64_t pieceBits(const Piece& piece, long from) {
+    const std::uint64_t bits = piece.field != nullptr ? piece.field->bitsAt(from) : piece.fill;
+    const long count = piece.end - piece.begin - from;
+    return count >= kWord ? bits : bits & ((std::uint64_t{1} << count) - 1);
+  }
+
+  void addPiece(const Piece& piece) {
+    if (piece.begin == piece.end) return;
+    if (length_ <= kWord) {
+      word_ |= pieceBits(piece, 0) << piece.begin;
+    } else {
+      pieces_[static_cast<std::size_t>(count_++)] = piece;
+    }
+  }
+
+  void setBody(const CTapField* field, long begin, long end) {
+    if (field == nullptr) return;
+    body_ = field;
+    bodyBegin_ = begin;
+    bodyLast_ = end - kWord;
+  }
+
   std::uint64_t gather(long low) const;
 
   long length_;

@@ -46,6 +46,16 @@ std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned cha
   return done;
 }
 
+ShortHex decodeShortHex(const unsigned char* text) {
+  ShortHex found{0, 0};
+  for (; found.digits < 16; ++found.digits) {
+    const int value = kValues[text[found.digits]];
+    if (value < 0) break;
+    found.value = found.value << 4 | static_cast<unsigned>(value);
+  }
+  return found;
+}
+
 void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {
   const char* digits = hexCase == HexCase::lower ? kLower : kUpper;
   for (int i = 15; i >= 0; --i) {
@@ -114,6 +124,14 @@ std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned cha
   return done;
 }
 
+ShortHex decodeShortHex(const unsigned char* text) {
+  unsigned good = 0;
+  const __m128i values = digitValues(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text)), good);
+  const auto digits = static_cast<unsigned>(__builtin_ctz(~good));
+  if (digits == 0) return {0, 0};
+  return {digits, packDigits(values) >> (64 - 4 * digits)};
+}
+
 void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {
   const __m128i bytes = _mm_cvtsi64_si128(static_cast<long long>(__builtin_bswap64(bits)));
   const __m128i nibble = _mm_set1_epi8(15);
@@ -127,6 +145,8 @@ void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {
 }
 
 #else
+
+ShortHex decodeShortHex(const unsigned char* text) { return plain::decodeShortHex(text); }
 
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top) {
   return plain::decodeHex(text, count, row, top);

@@ -24,9 +24,18 @@ std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned cha
 enum class HexCase { lower, upper };
 void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
 
+/// Looks at the sixteen characters of `text`: how many hex digits it begins
+/// with (at most 16), and their value as a number.
+struct ShortHex {
+  unsigned digits;
+  std::uint64_t value;
+};
+ShortHex decodeShortHex(const unsigned char* text);
+
 namespace plain {
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top);
 void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
+ShortHex decodeShortHex(const unsigned char* text);
 }  // namespace plain
 
 }  // namespace tapforge

@@ -14,6 +14,12 @@ namespace tapforge {
 template <typename Bits>
 void writeDigits(OutputFile& output, const Bits& bits, long top, long count, HexCase hexCase) {
   constexpr long kAtOnce = 256;
+  if (count <= 16) {
+    char* out = output.reserve(16);
+    encodeHex16(bits(4 * (top - count + 1)) << (64 - 4 * count), hexCase, out);
+    output.advance(out + count);
+    return;
+  }
   while (count > 0) {
     long rest = std::min(count, kAtOnce);
     count -= rest;

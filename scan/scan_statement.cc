@@ -101,21 +101,49 @@ bool isZero(const CTapField& field) {
   return true;
 }
 
-/// The value that a word of a scan statement names; null for any other word.
-FieldPtr ScanValues::*valueNamed(const Lexer& lexer) {
-  if (lexer.is("tdi")) return &ScanValues::pTdi;
-  if (lexer.is("tdo")) return &ScanValues::pTdo;
-  if (lexer.is("mask")) return &ScanValues::pMask;
-  if (lexer.is("smask")) return &ScanValues::pSmask;
-  return nullptr;
+/// The value that the current word of a scan statement names.
+ScanValue valueNamed(Lexer& lexer) {
+  if (lexer.is("tdi")) return ScanValue::tdi;
+  if (lexer.is("tdo")) return ScanValue::tdo;
+  if (lexer.is("mask")) return ScanValue::mask;
+  if (lexer.is("smask")) return ScanValue::smask;
+  lexer.report().fatal(cat("Invalid SDR format [", lexer.token(), "]"));
+}
+
+}  // namespace
+
+namespace {
+
+// The common case at one glance: «(» up to sixteen digits «)», all in the
+// window and no more than the length asks for. False when it is another one,
+// and nothing has been read.
+bool readShortValue(long length, CTapField& field, Run& run) {
+  SourceReader& source = run.lexer.source();
+  const unsigned char* open = source.begin();
+  const unsigned char* const end = source.end();
+  while (open != end && *open == ' ') ++open;
+  if (length > 64 || open == end || *open != '(') return false;
+  // Text read 16 characters at a time, wherever the window ends.
+  const ShortHex hex = decodeShortHex(open + 1);
+  const unsigned char* const close = open + 1 + hex.digits;
+  if (close >= end || *close != ')') return false;
+  if (hex.digits == 0 || hex.digits > static_cast<unsigned>(length + 3) / 4) return false;
+  field.initTapField(length, run.report);
+  field.putBits(0, hex.value);
+  source.setLastItem(close[-1]);
+  source.markToken(close - 1);
+  source.advanceTo(close + 1);
+  return true;
 }
 
 }  // namespace
 
 void readSvfHexData(long length, CTapField& field, Run& run) {
-  run.lexer.strSearch("(");
-  field.initTapField(length, run.report);
-  HexReader(field, run).read();
+  if (!readShortValue(length, field, run)) {
+    run.lexer.strSearch("(");
+    field.initTapField(length, run.report);
+    HexReader(field, run).read();
+  }
   const long used = length % 4;
   if (used == 0) return;
   const int top = field.getTapDataChar(field.numChars() - 1);
@@ -134,11 +162,8 @@ ScanValues readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
     return values;
   }
   while (!lexer.lexIs(";")) {
-    FieldPtr ScanValues::*const kind = valueNamed(lexer);
-    if (kind == nullptr) {
-      run.report.fatal(cat("Invalid SDR format [", lexer.token(), "]"));
-    }
-    FieldPtr& value = values.*kind;
+    const ScanValue kind = valueNamed(lexer);
+    FieldPtr& value = values[kind];
     if (value != nullptr) {
       run.report.fatal(cat("Unknown token or ", lexer.token(), " already specified"));
     }
@@ -146,8 +171,9 @@ ScanValues readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
     if (value == nullptr) value = std::make_unique<CTapField>();
     readSvfHexData(values.lLength, *value, run);
   }
-  if (values.pTdo != nullptr && values.pMask != nullptr && isZero(*values.pMask)) {
-    values.pTdo.reset();
+  const FieldPtr& mask = values[ScanValue::mask];
+  if (values[ScanValue::tdo] != nullptr && mask != nullptr && isZero(*mask)) {
+    values[ScanValue::tdo].reset();
   }
   return values;
 }

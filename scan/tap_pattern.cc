@@ -3,13 +3,6 @@
 #include <utility>
 
 namespace tapforge {
-namespace {
-
-void replaceIfGiven(FieldPtr& value, FieldPtr& given) {
-  if (given != nullptr) value = std::move(given);
-}
-
-}  // namespace
 
 bool CTapPattern::setPattern(ScanValues& given) {
   if (given.lLength == 0) {
@@ -17,15 +10,15 @@ bool CTapPattern::setPattern(ScanValues& given) {
     return true;
   }
   if (given.lLength != now_.lLength) {
-    if (given.pTdi == nullptr) return false;
+    if (given[ScanValue::tdi] == nullptr) return false;
     now_ = std::move(given);
     return true;
   }
-  replaceIfGiven(now_.pTdi, given.pTdi);
-  replaceIfGiven(now_.pSmask, given.pSmask);
-  replaceIfGiven(now_.pMask, given.pMask);
+  for (const ScanValue value : {ScanValue::tdi, ScanValue::mask, ScanValue::smask}) {
+    if (given[value] != nullptr) now_[value] = std::move(given[value]);
+  }
   // Expected values never carry over.
-  now_.pTdo = std::move(given.pTdo);
+  now_[ScanValue::tdo] = std::move(given[ScanValue::tdo]);
   return true;
 }
 

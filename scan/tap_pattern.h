@@ -1,7 +1,10 @@
 #ifndef TAPFORGE_SCAN_TAP_PATTERN_H
 #define TAPFORGE_SCAN_TAP_PATTERN_H
 
+#include <array>
+#include <cstddef>
 #include <memory>
+#include <utility>
 
 #include "scan/tap_field.h"
 
@@ -10,13 +13,21 @@ namespace tapforge {
 /// A value that a statement did not give, or that is not in force, is null.
 using FieldPtr = std::unique_ptr<CTapField>;
 
+/// The four values of a scan: bits shifted in, bits expected out, which of
+/// these are compared, which of those shifted in matter.
+enum class ScanValue : unsigned char { tdi, tdo, mask, smask };
+
 /// What one scan statement gives: its length in bits and up to four values.
-struct ScanValues {
+class ScanValues {
+ public:
   long lLength = 0;
-  FieldPtr pTdi;
-  FieldPtr pTdo;
-  FieldPtr pMask;
-  FieldPtr pSmask;
+  FieldPtr& operator[](ScanValue value) { return fields_[static_cast<std::size_t>(value)]; }
+  const FieldPtr& operator[](ScanValue value) const {
+    return fields_[static_cast<std::size_t>(value)];
+  }
+
+ private:
+  std::array<FieldPtr, 4> fields_;
 };
 
 /// The values in force for one kind of scan (SIR, SDR, HIR, HDR, TIR or TDR),
@@ -30,15 +41,12 @@ class CTapPattern {
   [[nodiscard]] bool setPattern(ScanValues& given);
 
   long length() const { return now_.lLength; }  // bits
-  const CTapField* tdi() const { return now_.pTdi.get(); }
-  const CTapField* tdo() const { return now_.pTdo.get(); }
-  const CTapField* mask() const { return now_.pMask.get(); }
-  const CTapField* smask() const { return now_.pSmask.get(); }
+  /// Null when the value is not in force.
+  const CTapField* operator[](ScanValue value) const { return now_[value].get(); }
 
   /// Gives up a value that the statement being read gives anew, so that its
-  /// storage serves the new one and both never exist together. `kind` picks it:
-  /// &ScanValues::pTdi and so on.
-  FieldPtr giveUp(FieldPtr ScanValues::*kind) { return std::move(now_.*kind); }
+  /// storage serves the new one and both never exist together.
+  FieldPtr giveUp(ScanValue value) { return std::move(now_[value]); }
 
  private:
   ScanValues now_;

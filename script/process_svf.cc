@@ -60,7 +60,7 @@ void doScan(Keyword scan, Run& run, ScanWriter& writer) {
 
 bool processSVF(const Vars& vars, LineReader& source, OutputFile& output, Reporter& report) {
   Run run(source, report);
-  ScriptWriter script(vars, output, source);
+  ScriptWriter script(vars, output, source, report);
   ScanWriter scans(vars, output, script, report);
   bool allKnown = true;
   while (run.lexer.lexKeyword()) {

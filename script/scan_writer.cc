@@ -10,6 +10,7 @@ namespace {
 
 using tapforge::cat;
 using tapforge::HexCase;
+using tapforge::ScanValue;
 using tapforge::StatusStyle;
 
 constexpr long kDigitsPerLine = 64;
@@ -75,16 +76,15 @@ void ScanWriter::writeScan(Keyword scan, const RegisterPatterns& patterns) {
 }
 
 void ScanWriter::combineHeaderDataTrailer(const RegisterPatterns& patterns, long length) {
-  using tapforge::ScanValue;
   output_.put(' ');
   output_.writeDecimal(length);
   output_.write("\n    TDI (");
   consolidateData({patterns, ScanValue::tdi, length});
-  if (patterns.data.smask() != nullptr) {
+  if (patterns.data[ScanValue::smask] != nullptr) {
     output_.write(")\n  SMASK (");
     consolidateData({patterns, ScanValue::smask, length});
   }
-  if (!vars_.iSkipTdoTest && patterns.data.tdo() != nullptr) {
+  if (!vars_.iSkipTdoTest && patterns.data[ScanValue::tdo] != nullptr) {
     output_.write(")\n    TDO (");
     consolidateData({patterns, ScanValue::tdo, length});
     output_.write(")\n   MASK (");
@@ -130,8 +130,8 @@ void ScanWriter::writeHeaderTrailer(Keyword scan, const CTapPattern& pattern) {
 
 void ScanWriter::printDataAndMask(const CTapPattern& pattern, bool isTdo, Keyword scan) {
   const bool isScan = scan == Keyword::sir || scan == Keyword::sdr;
-  const CTapField* value = isTdo ? pattern.tdo() : pattern.tdi();
-  const CTapField* mask = isTdo ? pattern.mask() : pattern.smask();
+  const CTapField* value = isTdo ? pattern[ScanValue::tdo] : pattern[ScanValue::tdi];
+  const CTapField* mask = isTdo ? pattern[ScanValue::mask] : pattern[ScanValue::smask];
   if (value == nullptr && isTdo) return;
   report_.nullPtrChk(value != nullptr, "TDI=NULL");
 

@@ -104,6 +104,7 @@ void ScriptWriter::minTime(float seconds) {
 }
 
 void ScriptWriter::maxTime(float seconds) {
+  if (isTcl()) report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
   sBufStatement_ += cat(" MAXIMUM ", tapforge::shortExponent(seconds), " sec");
 }
 

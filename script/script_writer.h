@@ -35,8 +35,8 @@ class CommentCopier final : public CommentSink {
 /// at its end, so that a comment inside the statement comes out in front of it.
 class ScriptWriter final : public tapforge::RunTestSink {
  public:
-  ScriptWriter(const Vars& vars, OutputFile& output, const LineReader& source)
-      : vars_(vars), output_(output), source_(source) {}
+  ScriptWriter(const Vars& vars, OutputFile& output, const LineReader& source, Reporter& report)
+      : vars_(vars), output_(output), source_(source), report_(report) {}
 
   void lineMarker(long line);
   void endStateStatement(ScanRegister which, TapState state);
@@ -69,6 +69,7 @@ class ScriptWriter final : public tapforge::RunTestSink {
   const Vars& vars_;
   OutputFile& output_;
   const LineReader& source_;
+  Reporter& report_;
   std::string sBufStatement_;
 };
 

@@ -44,7 +44,9 @@ int CharReader::slash() {
   return -1;
 }
 
-long CharReader::lineNumber() const { return linesBefore_ + countLineFeeds(countedTo_, position()); }
+long CharReader::lineNumber() const {
+  return linesBefore_ + countLineFeeds(countedTo_, position());
+}
 
 std::string CharReader::positionText() const {
   return tapforge::cat("\n[", name(), ": line ", lineNumber(), "]:[", lastItem(), "]");

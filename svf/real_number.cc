@@ -51,13 +51,14 @@ Number getFloat(Lexer& lexer) {
   std::string text;
   if (lexer.type() == TokenType::number) {
     const long value = decimalValue(lexer.token());
-    text = lexer.token();
+    char digits[Lexer::kNumberLimit];
+    const std::size_t size = lexer.token().copy(digits, sizeof digits);
     if (!lexer.lexIs(".")) {
       lexer.unlex();
       if (negative && value > 0) report.fatal("Positive number required");
       return {Number::Kind::integer, 0, value};
     }
-    text += '.';
+    text.assign(digits, size) += '.';
     lexer.lex();
   }
   const bool hasInteger = !text.empty();

@@ -66,8 +66,11 @@ class SourceReader : public InputPosition {
     lastItemSize_ = 1;
   }
   std::string_view lastItem() const { return {sLastItem_, lastItemSize_}; }
-  /// Takes a token of at most 16 characters, which may be read 16 at a time.
-  void setShortItem(const unsigned char* item, std::size_t size);
+  /// Takes an item of less than kShortItem characters; so many may be read.
+  void setShortItem(const unsigned char* item, std::size_t size) {
+    std::memcpy(sLastItem_, item, kShortItem);
+    lastItemSize_ = size;
+  }
 
   /// The number of the line that was read last; the first one is 1.
   virtual long lineNumber() const = 0;
@@ -83,6 +86,7 @@ class SourceReader : public InputPosition {
   [[noreturn]] void endOfFile();
 
   static constexpr std::size_t kMaxToken = 100;
+  static constexpr std::size_t kShortItem = 16;
   static constexpr std::size_t kPadding = 64;
 
  protected:
@@ -109,11 +113,6 @@ class SourceReader : public InputPosition {
   char sLastItem_[kMaxToken] = {};
   std::size_t lastItemSize_ = 0;
 };
-
-inline void SourceReader::setShortItem(const unsigned char* item, std::size_t size) {
-  std::memcpy(sLastItem_, item, 16);
-  lastItemSize_ = size;
-}
 
 }  // namespace tapforge
 

@@ -1,27 +1,15 @@
 #include "svf/tokens.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstdint>
-#include <cstring>
 #include <limits>
 
 #include "shell/text.h"
 #include "svf/char_class.h"
+#include "svf/word_scan.h"
 
 namespace tapforge {
 namespace {
-
-constexpr std::size_t kShort = 16;
-
-// Eight characters at a time: a byte that is an ASCII capital gets bit 5.
-std::uint64_t lowerEight(std::uint64_t text) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101U;
-  const std::uint64_t low = text & (0x7f * kOnes);
-  const std::uint64_t fromA = low + (0x80 - 'A') * kOnes;
-  const std::uint64_t pastZ = low + (0x7f - 'Z') * kOnes;
-  const std::uint64_t capital = ~text & (fromA ^ pastZ) & (0x80 * kOnes);
-  return text | (capital >> 2);
-}
 
 // White space and punctuation end a number; "_" does not.
 bool continuesNumber(unsigned char c) { return !isSpace(c) && (!isPunct(c) || c == '_'); }
@@ -37,32 +25,28 @@ bool Lexer::advance() {
     const unsigned char* p = source_.begin();
     const unsigned char* const end = source_.end();
     while (p != end && isSpace(*p)) ++p;
-    if (dialect_.blankIsItem && p != source_.begin()) source_.setLastItem(p[-1]);
-    source_.advanceTo(p);
+    if (blankIsItem_ && p != source_.begin()) source_.setLastItem(p[-1]);
     if (p == end) {
+      source_.advanceTo(p);
       if (source_.atEnd()) return false;
       source_.nextWindow();
       if (source_.atEnd()) return false;
       continue;
     }
     source_.markToken(p);
-    if (isWordStart(*p)) {
-      type_ = TokenType::word;
-      getRun(kWordLimit, isWordChar);
+    source_.advanceTo(p);
+    if (isWordChar(*p)) {
+      getWord(p, end);
       return true;
     }
-    if (isDigit(*p)) {
-      getNum();
-      return true;
-    }
-    if (getPunctuation(*p)) return true;
+    if (getCharacter(*p)) return true;
     if (source_.atEnd()) return false;
   }
 }
 
-// A character that is a token by itself, the first one of the window. False
-// when it began a comment, or when the file ended before there was a token.
-bool Lexer::getPunctuation(unsigned char c) {
+// The character at the start of the window is a token by itself. False when it
+// began a comment, or when the file ended before there was a token.
+bool Lexer::getCharacter(unsigned char c) {
   source_.advanceTo(source_.begin() + 1);
   type_ = isPunct(c) ? TokenType::punctuation : TokenType::other;
   if (c == '!' || c == '/') {
@@ -73,7 +57,7 @@ bool Lexer::getPunctuation(unsigned char c) {
       found = source_.slash();
     }
     if (found == -1) {
-      if (dialect_.blankIsItem) source_.setLastItem("");
+      if (blankIsItem_) source_.setLastItem("");
       return false;
     }
     if (source_.atEnd()) return false;
@@ -85,72 +69,57 @@ bool Lexer::getPunctuation(unsigned char c) {
   return true;
 }
 
-void Lexer::getNum() {
-  getRun(kNumberLimit, continuesNumber);
-  type_ = TokenType::number;
-  for (const char c : token()) {
-    if (isWordStart(static_cast<unsigned char>(c))) type_ = TokenType::word;
-  }
-}
-
-// A run of characters that belong together, the first one at the start of the
-// window.
-template <typename Continues>
-void Lexer::getRun(std::size_t limit, Continues continues) {
-  const unsigned char* const start = source_.begin();
-  const unsigned char* const end = source_.end();
-  const unsigned char* p = start + 1;
-  while (p != end && continues(*p)) ++p;
-  const auto size = static_cast<std::size_t>(p - start);
-  if (p != end && size <= kShort) {
+// A word or a number begins at `start`, the window's first character.
+void Lexer::getWord(const unsigned char* start, const unsigned char* end) {
+  const bool digitLed = isDigit(*start);
+  // Text read 16 characters at a time, wherever the window ends.
+  const WordRun run = scanWord(start, sTokenLower_);
+  const unsigned char* const behind = start + run.size;
+  if (run.size < SourceReader::kShortItem && behind < end &&
+      (!digitLed || !continuesNumber(*behind))) {
     // The common case: all in the window, with the character behind it.
-    if (dialect_.blankEndsWord && isSpace(*p)) {
-      source_.advanceTo(p + 1);
+    type_ = run.digits == run.size ? TokenType::number : TokenType::word;
+    size_ = run.size;
+    source_.setShortItem(start, size_);
+    if (blankEndsWord_ && isSpace(*behind)) {
+      source_.advanceTo(behind + 1);
     } else {
-      source_.peekAt(p);
+      source_.peekAt(behind);
     }
-    takeShort(start, size);
     return;
   }
-  // Long, or going on behind the window: one character at a time. The text is
-  // complete before it becomes the last item, which an error must still show.
+  getLongWord(digitLed);
+}
+
+// The same for a token that is long, goes on behind the window or holds odd
+// characters: one at a time. The text is complete before it becomes the last
+// item, which an error must still show.
+void Lexer::getLongWord(bool digitLed) {
+  const std::size_t limit = digitLed ? kNumberLimit : kWordLimit;
+  type_ = digitLed ? TokenType::number : TokenType::word;
   char written[kWordLimit];
   std::size_t count = 0;
-  int c = source_.next();
+  auto c = static_cast<unsigned char>(source_.next());
   do {
+    if (isWordStart(c)) type_ = TokenType::word;
     written[count++] = static_cast<char>(c);
-    if (count == limit) tooLong(limit);
-    c = source_.next();
-  } while (!source_.atEnd() && continues(static_cast<unsigned char>(c)));
-  const bool consumed = dialect_.blankEndsWord && isSpace(static_cast<unsigned char>(c));
-  if (!consumed && !source_.atEnd()) source_.unread();
+    if (count == limit) tooLong(digitLed);
+    c = static_cast<unsigned char>(source_.next());
+  } while (!source_.atEnd() && (digitLed ? continuesNumber(c) : isWordChar(c)));
+  if (!source_.atEnd() && !(blankEndsWord_ && isSpace(c))) source_.unread();
   source_.setLastItem({written, count});
-  for (std::size_t i = 0; i < count; ++i) sTokenLower_[i] = toLower(written[i]);
+  std::transform(written, written + count, sTokenLower_, [](char each) { return toLower(each); });
   size_ = count;
 }
 
-// Takes up to kShort characters in fixed steps, whatever stands behind them.
-void Lexer::takeShort(const unsigned char* start, std::size_t size) {
-  source_.setShortItem(start, size);
-  std::uint64_t text = 0;
-  std::memcpy(&text, start, sizeof text);
-  text = lowerEight(text);
-  std::memcpy(sTokenLower_, &text, sizeof text);
-  if (size > sizeof text) {
-    std::memcpy(&text, start + sizeof text, sizeof text);
-    text = lowerEight(text);
-    std::memcpy(sTokenLower_ + sizeof text, &text, sizeof text);
-  }
-  size_ = size;
-}
-
-void Lexer::tooLong(std::size_t limit) {
-  if (limit == kWordLimit) report_.fatal(cat("token exceeds ", kWordLimit, " characters"));
-  report_.fatal(dialect_.numberTooLong);
+void Lexer::tooLong(bool digitLed) {
+  if (digitLed) report_.fatal(report_.dialect().numberTooLong);
+  report_.fatal(cat("token exceeds ", kWordLimit, " characters"));
 }
 
 void Lexer::tokenMissing(std::string_view keyword) {
-  report_.fatal(cat(dialect_.tokenMissing[0], keyword, dialect_.tokenMissing[1]));
+  const Dialect& dialect = report_.dialect();
+  report_.fatal(cat(dialect.tokenMissing[0], keyword, dialect.tokenMissing[1]));
 }
 
 long decimalValue(std::string_view digits) {

@@ -10,7 +10,7 @@
 
 namespace tapforge {
 
-enum class TokenType { word, number, punctuation, space, other };
+enum class TokenType { word, number, punctuation, other };
 
 /// Cuts the source into words (letters, digits, "_"), numbers (digits only),
 /// single punctuation characters and single other characters. White space and
@@ -20,7 +20,10 @@ enum class TokenType { word, number, punctuation, space, other };
 class Lexer {
  public:
   Lexer(SourceReader& source, Reporter& report)
-      : source_(source), report_(report), dialect_(report.dialect()) {}
+      : source_(source),
+        report_(report),
+        blankEndsWord_(report.dialect().blankEndsWord),
+        blankIsItem_(report.dialect().blankIsItem) {}
 
   /// The first token of a statement; false when only white space and comments
   /// were left before the end of the file.
@@ -75,22 +78,20 @@ class Lexer {
 
  private:
   bool advance();
-  void getNum();
-  template <typename Continues>
-  void getRun(std::size_t limit, Continues continues);
-  bool getPunctuation(unsigned char c);
-  void takeShort(const unsigned char* start, std::size_t size);
-  [[noreturn]] void tooLong(std::size_t limit);
+  bool getCharacter(unsigned char c);
+  void getWord(const unsigned char* start, const unsigned char* end);
+  void getLongWord(bool digitLed);
+  [[noreturn]] void tooLong(bool digitLed);
   [[noreturn]] void tokenMissing(std::string_view keyword);
 
   SourceReader& source_;
   Reporter& report_;
-  const Dialect& dialect_;
-  TokenType type_ = TokenType::space;
+  const bool blankEndsWord_;
+  const bool blankIsItem_;
+  TokenType type_ = TokenType::other;
   bool iUnlex_ = false;
   std::size_t size_ = 0;
-  // Short tokens are copied in steps of 16 characters.
-  char sTokenLower_[SourceReader::kMaxToken + 16] = {};
+  char sTokenLower_[SourceReader::kMaxToken] = {};
 };
 
 /// A whole decimal number, as "number" tokens hold it: digits up to the first

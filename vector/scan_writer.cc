@@ -40,7 +40,7 @@ void ScanWriter::writeEmptyScan() {
 
 VectorBits ScanWriter::shiftedBits(const RegisterPatterns& patterns, long length) const {
   VectorBits bits{{patterns, ScanValue::tdi, length}, {}};
-  if (patterns.data.smask() != nullptr) {
+  if (patterns.data[ScanValue::smask] != nullptr) {
     bits.mask.emplace(patterns, ScanValue::smask, length);
   }
   return bits;
@@ -74,7 +74,7 @@ void ScanWriter::writeSir(RunCount runCount) {
 void ScanWriter::writeSdr(RunCount runCount) {
   if (!iSdrFlag_) return;
   const long length = tapforge::compositeLength(tap_.data, report_);
-  const bool test = tap_.data.data.tdo() != nullptr && !vars_.iSkipTdoTest;
+  const bool test = tap_.data.data[ScanValue::tdo] != nullptr && !vars_.iSkipTdoTest;
   const VectorBits tdi = shiftedBits(tap_.data, length);
   if (vars_.iFpgaFormat && length > vars_.lFpgaRecSize) {
     writePartition(tdi, length, test);
@@ -152,7 +152,7 @@ void ScanWriter::writePartition(const VectorBits& tdi, long length, bool test) {
   bytes_.listNumber(Command::KSDRSIZE, record, 8, "\n");
   bytes_.commandWith(Command::KSDRSIZE, record, 8);
   lSdrSize_ = record;
-  if (tap_.data.data.mask() != nullptr) {
+  if (tap_.data.data[ScanValue::mask] != nullptr) {
     report_.warning("TDO MASK ignored when partitioning into KSDRTDOB/C/E");
   }
   cancelRunCount();
