@@ -102,8 +102,7 @@ bool processSVF(const Vars& vars, LineReader& source, OutputFile& output, Report
         tapforge::readPio(run);
         break;
       case Keyword::unknown:
-        tapforge::skipUnknown(run);
-        allKnown = false;
+        allKnown = tapforge::skipUnknown(run) && allKnown;
         break;
     }
   }

@@ -22,7 +22,8 @@ void SourceReader::setLastItem(std::string_view item) {
 
 int SourceReader::nextRaw() {
   if (cur_ == end_ && nextWindow()) {
-    setLastItem(' ');
+    // Where a value may end with the file, the end is no character of it.
+    if (!atEnd_ || !report_.dialect().hexEndsWithFile) setLastItem(' ');
     return ' ';
   }
   if (*cur_ != ')') {

@@ -1,6 +1,7 @@
 #include "svf/statements.h"
 
 #include "shell/text.h"
+#include "svf/char_class.h"
 
 namespace tapforge {
 Keyword keywordOf(const Lexer& lexer) {
@@ -43,9 +44,11 @@ void storeScan(CTapPattern& pattern, ScanValues& values, Run& run) {
   run.report.fatal("SVF rule violation");
 }
 
-void skipUnknown(Run& run) {
+bool skipUnknown(Run& run) {
+  if (isSpace(static_cast<unsigned char>(run.lexer.token().front()))) return true;
   run.report.warning(cat("Unknown SVF keyword [", run.lexer.token(), "]"));
   run.lexer.skipUntil(";");
+  return false;
 }
 
 }  // namespace tapforge

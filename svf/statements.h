@@ -36,8 +36,9 @@ bool isDataScan(Keyword scan);
 /// when the pattern refuses it.
 void storeScan(CTapPattern& pattern, ScanValues& values, Run& run);
 
-/// Warns of an unknown keyword and reads its statement away.
-void skipUnknown(Run& run);
+/// Warns of an unknown keyword and reads its statement away. White space that a
+/// lost "/" has made a token is passed over without a word, and gives true.
+bool skipUnknown(Run& run);
 
 }  // namespace tapforge
 

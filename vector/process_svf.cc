@@ -38,8 +38,7 @@ class StatementLoop final : private CommentSink {
       if (!run_.lexer.lexKeyword()) break;
       const Keyword keyword = tapforge::keywordOf(run_.lexer);
       if (keyword == Keyword::unknown) {
-        tapforge::skipUnknown(run_);
-        allKnown = false;
+        allKnown = tapforge::skipUnknown(run_) && allKnown;
       } else {
         doStatement(keyword);
       }
