@@ -128,8 +128,7 @@ bool readShortValue(long length, CTapField& field, Run& run) {
   const unsigned char* const close = open + 1 + hex.digits;
   if (close >= end || *close != ')') return false;
   if (hex.digits == 0 || hex.digits > static_cast<unsigned>(length + 3) / 4) return false;
-  field.initTapField(length, run.report);
-  field.putBits(0, hex.value);
+  field.initShort(length, hex.value, run.report);
   source.setLastItem(close[-1]);
   source.markToken(close - 1);
   source.advanceTo(close + 1);

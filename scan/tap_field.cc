@@ -5,15 +5,7 @@
 namespace tapforge {
 
 void CTapField::initTapField(long length, Reporter& report) {
-  lLength_ = length;
-  // Not (length + 3) / 4: the length can be the largest long.
-  lNumChars_ = length / 4 + (length % 4 != 0 ? 1 : 0);
-  lNumBytes_ = length / 8 + (length % 8 != 0 ? 1 : 0);
-  lStartChar_ = 0;
-  if (lNumBytes_ <= kSmall && capacity_ >= kSmall) {
-    std::memset(pData_.get(), 0, kSmall + kPadding);  // a constant: no call
-    return;
-  }
+  setLength(length);
   if (lNumBytes_ <= capacity_) {
     std::memset(pData_.get(), 0, static_cast<std::size_t>(lNumBytes_ + kPadding));
     return;

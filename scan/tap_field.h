@@ -28,6 +28,16 @@ class CTapField {
   /// [pData NULL]".
   void initTapField(long length, Reporter& report);
 
+  /// The same with a value of at most 64 bits for a length of at most 64.
+  void initShort(long length, std::uint64_t value, Reporter& report) {
+    if (capacity_ < kSmall) initTapField(length, report);
+    setLength(length);
+    putBits(0, value);
+    // All that bitsAt() can see behind it.
+    putBits(64, 0);
+    putBits(128, 0);
+  }
+
   long length() const { return lLength_; }      // bits
   long numChars() const { return lNumChars_; }  // hex digits
   long start() const { return lStartChar_; }
@@ -78,6 +88,13 @@ class CTapField {
     std::memcpy(&word, from, sizeof word);
     if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
     return word;
+  }
+  void setLength(long length) {
+    lLength_ = length;
+    // Not (length + 3) / 4: the length can be the largest long.
+    lNumChars_ = length / 4 + (length % 4 != 0 ? 1 : 0);
+    lNumBytes_ = length / 8 + (length % 8 != 0 ? 1 : 0);
+    lStartChar_ = 0;
   }
   void putDigit(long index, unsigned value);
   void reverse(long from, long to);

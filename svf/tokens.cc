@@ -123,7 +123,15 @@ void Lexer::tokenMissing(std::string_view keyword) {
 }
 
 long decimalValue(std::string_view digits) {
+  constexpr std::size_t kNeverTooMany = 18;
   long value = 0;
+  if (digits.size() <= kNeverTooMany) {
+    for (const char c : digits) {
+      if (!isDigit(static_cast<unsigned char>(c))) break;
+      value = 10 * value + (c - '0');
+    }
+    return value;
+  }
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   return error == std::errc::result_out_of_range ? std::numeric_limits<long>::max() : value;
 }
