@@ -27,6 +27,8 @@ bool Lexer::advance() {
     while (p != end && isSpace(*p)) ++p;
     if (blankIsItem_ && p != source_.begin()) source_.setLastItem(p[-1]);
     if (p == end) {
+      // Each blank is an item with a column of its own; the last line shows it.
+      if (p != source_.begin()) source_.markToken(p - 1);
       source_.advanceTo(p);
       if (source_.atEnd()) return false;
       source_.nextWindow();

@@ -1,0 +1,92 @@
+#include "tests/support/in_memory.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "script/dialect.h"
+#include "script/process_svf.h"
+#include "script/script_writer.h"
+#include "shell/output_file.h"
+#include "vector/dialect.h"
+#include "vector/process_svf.h"
+
+namespace tapforge::testing {
+namespace {
+
+class RecordingReporter final : public Reporter {
+ public:
+  using Reporter::Reporter;
+  std::string text;
+
+ private:
+  void print(std::string_view message) override { text += message; }
+  void printStatus(std::string_view) override {}
+};
+
+/// A file in memory that goes on existing after its handle is closed.
+class MemoryFile {
+ public:
+  explicit MemoryFile(std::string_view text = {}) : descriptor_(memfd_create("test", 0)) {
+    if (pwrite(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
+  }
+  ~MemoryFile() { close(descriptor_); }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  FilePtr open() { return FilePtr(fdopen(dup(descriptor_), "r+b")); }
+
+  std::string text() const {
+    std::string text(static_cast<std::size_t>(lseek(descriptor_, 0, SEEK_END)), '\0');
+    if (pread(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
+    return text;
+  }
+
+ private:
+  int descriptor_;
+};
+
+}  // namespace
+
+Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) {
+  RecordingReporter report(progmode_svf2tapbus::kDialect);
+  MemoryFile input(svf);
+  MemoryFile output;
+  OutputFile outputFile(output.open(), "output", report);
+  Converted converted;
+  try {
+    progmode_svf2tapbus::CommentCopier comments(vars, outputFile);
+    progmode_svf2tapbus::LineReader source(input.open(), "input", report, comments);
+    converted.good = processSVF(vars, source, outputFile, report);
+  } catch (const RunEnd&) {
+  }
+  outputFile.close();
+  converted.output = output.text();
+  converted.messages = report.text;
+  return converted;
+}
+
+Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars) {
+  RecordingReporter report(progmode_svf2ksvf::kDialect);
+  MemoryFile input(svf);
+  MemoryFile output;
+  MemoryFile listing;
+  OutputFile outputFile(output.open(), "output", report);
+  OutputFile listingFile(listing.open(), "listing", report);
+  Converted converted;
+  try {
+    progmode_svf2ksvf::CharReader source(input.open(), "input", report);
+    converted.good = processSVF(vars, source, outputFile, &listingFile, report);
+  } catch (const RunEnd&) {
+  }
+  outputFile.close();
+  listingFile.close();
+  converted.output = output.text();
+  converted.listing = listing.text();
+  converted.messages = report.text;
+  return converted;
+}
+
+}  // namespace tapforge::testing

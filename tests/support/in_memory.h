@@ -1,0 +1,27 @@
+#ifndef TAPFORGE_TESTS_SUPPORT_IN_MEMORY_H
+#define TAPFORGE_TESTS_SUPPORT_IN_MEMORY_H
+
+#include <string>
+#include <string_view>
+
+#include "script/vars.h"
+#include "vector/vars.h"
+
+namespace tapforge::testing {
+
+/// What a conversion gave: all in memory, in one process.
+struct Converted {
+  std::string output;
+  std::string listing;   // mode 1 only
+  std::string messages;  // as on standard output
+  bool good = false;     // status 0
+};
+
+Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars = {});
+
+/// The record length must be given, as the option check gives it.
+Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars = {.lFpgaRecSize = 128});
+
+}  // namespace tapforge::testing
+
+#endif  // TAPFORGE_TESTS_SUPPORT_IN_MEMORY_H
