@@ -33,8 +33,10 @@ bool holdStandardStreams() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A closed pipe is a write error like any other, with its message.
+  // A closed pipe and a file that may grow no more are write errors like any
+  // other, with their message.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   if (!holdStandardStreams()) return 1;
   printBanner();
   const std::span<char*> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);

@@ -85,7 +85,8 @@ void refuseInputAsOutput(const std::string& name, const Shell& shell) {
 }
 
 void refuseOutputAsInput(const std::string& name, const Shell& shell) {
-  bool same = shell.outputName == name;
+  bool same =
+      shell.outputName && (*shell.outputName == name || sameRegularFile(*shell.outputName, name));
   for (const OutputFile* output :
        {shell.pFC_Output.get(), shell.pFC_Ascii.get(), shell.pFC_Log.get()}) {
     if (output != nullptr) same = same || sameRegularFile(output->name(), name);
@@ -95,13 +96,14 @@ void refuseOutputAsInput(const std::string& name, const Shell& shell) {
 
 std::unique_ptr<OutputFile> createFile(const std::string& name, Shell& shell) {
   refuseInputAsOutput(name, shell);
+  // Two outputs into one file would overwrite each other without a word; so
+  // would an output and the messages.
+  bool taken = sameRegularFile("/dev/stdout", name) || sameRegularFile("/dev/stderr", name);
   for (const OutputFile* other :
        {shell.pFC_Output.get(), shell.pFC_Ascii.get(), shell.pFC_Log.get()}) {
-    // Two outputs into one file would overwrite each other without a word.
-    if (other != nullptr && sameRegularFile(other->name(), name)) {
-      shell.report.fileError(cat("[", name, "] is already written by this run"));
-    }
+    taken = taken || (other != nullptr && sameRegularFile(other->name(), name));
   }
+  if (taken) shell.report.fileError(cat("[", name, "] is already written by this run"));
   const OpenMode mode = shell.iOverWritePrompt ? OpenMode::createAsking : OpenMode::create;
   return std::make_unique<OutputFile>(fileCheck(name, mode, shell.report), name, shell.report);
 }

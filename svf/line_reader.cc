@@ -55,7 +55,14 @@ bool LineReader::nextWindow() {
 void LineReader::skipComment() { copyComment(cur_ - 1); }
 
 int LineReader::slash() {
+  const bool behindCut = cur_ == end_ && lineCut_;
+  if (behindCut) nextWindow();
   if (cur_ == end_ || *cur_ != '/') return '/';
+  // The text of a comment is taken from one part of the line.
+  if (behindCut) {
+    report_.fatal(tapforge::cat("[skCm] range[0 <= -1 <= ", end_ - lineBegin_, "]"),
+                  tapforge::Where::nowhere);
+  }
   copyComment(cur_ - 1);
   return -1;
 }

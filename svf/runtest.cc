@@ -8,7 +8,7 @@ namespace {
 class RunTestReader {
  public:
   RunTestReader(Run& run, RunTestSink& sink)
-      : run_(run), lexer_(run.lexer), report_(run.report), tap_(run.tap), sink_(sink) {}
+      : lexer_(run.lexer), report_(run.report), tap_(run.tap), sink_(sink) {}
 
   void read() {
     tap_.fRunCount = tap_.fMinTime = tap_.fMaxTime = -1.0F;
@@ -106,7 +106,6 @@ class RunTestReader {
     }
   }
 
-  Run& run_;
   Lexer& lexer_;
   Reporter& report_;
   CTapObj& tap_;

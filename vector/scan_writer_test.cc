@@ -69,8 +69,7 @@ TEST(ScanWriter, HeldBackEndStates) {
             "SDRSIZE8 RUNTEST0 SDRTDO ENDDR SDRTDO");
   EXPECT_EQ(commands("ENDIR IDLE; ENDDR IRPAUSE;" + kWait, vars), "ENDIR RUNTEST7 ENDDR");
   vars.giUseKwait = vars.iInOrder = true;
-  EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars),
-            "SDRSIZE8 RUNTEST0 SDRTDO ENDDR WAIT");
+  EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars), "SDRSIZE8 RUNTEST0 SDRTDO ENDDR WAIT");
 }
 
 TEST(ScanWriter, CutsLongScansIntoRecords) {
