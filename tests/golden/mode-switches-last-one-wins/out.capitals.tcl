@@ -1,0 +1,3 @@
+scan_ir_tapbus  8
+    TDI (01)
+
