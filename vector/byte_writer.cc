@@ -38,9 +38,11 @@ void ByteWriter::binWrite(long value, int digits) {
   auto number = static_cast<std::uint32_t>(value);
   const int width = (static_cast<int>(std::bit_width(number)) + 3) / 4;
   if (width > digits) number >>= 4 * (width - digits);
+  char* out = output_.reserve(sizeof number);
   for (int shift = 4 * digits - 8; shift >= 0; shift -= 8) {
-    output_.put(static_cast<char>(number >> shift));
+    *out++ = static_cast<char>(number >> shift);
   }
+  output_.advance(out);
 }
 
 void ByteWriter::bytePrint(const VectorBits& bits, long low, long count) {
