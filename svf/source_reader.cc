@@ -1,23 +1,28 @@
 #include "svf/source_reader.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace tapforge {
 
 SourceReader::SourceReader(FilePtr file, std::string name, Reporter& report)
-    : report_(report),
-      pFile_(std::move(file)),
-      sFileName_(std::move(name)),
-      block_(new unsigned char[kBlock + kPadding]()) {
+    : report_(report), pFile_(std::move(file)), sFileName_(std::move(name)), block_(makeBlock()) {
   std::setvbuf(pFile_.get(), nullptr, _IONBF, 0);
-  cur_ = end_ = readTo_ = tokenStart_ = blockEnd_ = block_.get();
+  cur_ = end_ = readTo_ = tokenStart_ = blockEnd_ = block_.get() + kKept;
   report_.setInput(this);
 }
 
 void SourceReader::setLastItem(std::string_view item) {
   lastItemSize_ = std::min(item.size(), kMaxToken);
   std::copy_n(item.begin(), lastItemSize_, sLastItem_);
+}
+
+SourceReader::Block SourceReader::makeBlock() {
+  constexpr std::size_t kSize = kKept + kBlock + kPadding;
+  Block block(static_cast<unsigned char*>(::operator new (kSize, std::align_val_t{kPage})));
+  std::memset(block.get(), 0, kSize);
+  return block;
 }
 
 int SourceReader::nextRaw() {
@@ -39,18 +44,17 @@ void SourceReader::endOfFile() {
 }
 
 std::ptrdiff_t SourceReader::fillBlock(const unsigned char* keep) {
-  const std::ptrdiff_t moved = keep - block_.get();
+  unsigned char* const text = block_.get() + kKept;
   const auto kept = static_cast<std::size_t>(blockEnd_ - keep);
-  std::memmove(block_.get(), keep, kept);
-  std::size_t size = kept;
+  std::memmove(text - kept, keep, kept);
+  std::size_t got = 0;
   if (!fileEnded_) {
-    const std::size_t got = std::fread(block_.get() + kept, 1, kBlock - kept, pFile_.get());
+    got = std::fread(text, 1, kBlock, pFile_.get());
     if (std::ferror(pFile_.get()) != 0) report_.chkFileErr(sFileName_);
-    size += got;
-    fileEnded_ = size < kBlock;
+    fileEnded_ = got < kBlock;
   }
-  blockEnd_ = block_.get() + size;
-  return moved;
+  blockEnd_ = text + got;
+  return keep - (text - kept);
 }
 
 }  // namespace tapforge
