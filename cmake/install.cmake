@@ -1,0 +1,13 @@
+include(GNUInstallDirs)
+
+install(TARGETS tapforge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES docs/tapforge.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES completions/tapforge.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME tapforge)
+install(FILES completions/_tapforge
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
