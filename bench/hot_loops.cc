@@ -1,0 +1,120 @@
+// The loops that every character of a large file passes through. The fast ones
+// are compared with their plain twins before they are timed.
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "scan/hex_digits.h"
+#include "svf/word_scan.h"
+#include "tests/support/in_memory.h"
+
+namespace {
+
+constexpr std::size_t kDigits = 1 << 20;
+
+std::string hexText(std::size_t digits) {
+  std::string text(digits + 64, ' ');
+  unsigned state = 1;
+  for (std::size_t i = 0; i < digits; ++i) {
+    state = state * 1103515245 + 12345;
+    text[i] = "0123456789ABCDEF"[state >> 28];
+  }
+  return text;
+}
+
+using Decode = std::size_t(const unsigned char*, std::size_t, unsigned char*, long);
+
+void hexDigitsIn(benchmark::State& state, Decode* decode) {
+  const std::string text = hexText(kDigits);
+  const auto* begin = reinterpret_cast<const unsigned char*>(text.data());
+  std::vector<unsigned char> row(kDigits / 2 + 16);
+  std::vector<unsigned char> reference = row;
+  decode(begin, kDigits, row.data(), kDigits - 1);
+  tapforge::plain::decodeHex(begin, kDigits, reference.data(), kDigits - 1);
+  if (row != reference) std::abort();
+  for (auto _ : state) {
+    // Whole bytes are written over and over: the same digits, so the same row.
+    benchmark::DoNotOptimize(decode(begin, kDigits, row.data(), kDigits - 1));
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<long>(kDigits));
+}
+BENCHMARK_CAPTURE(hexDigitsIn, fast, tapforge::decodeHex);
+BENCHMARK_CAPTURE(hexDigitsIn, plain, tapforge::plain::decodeHex);
+
+using Encode = void(std::uint64_t, tapforge::HexCase, char*);
+
+void hexDigitsOut(benchmark::State& state, Encode* encode) {
+  std::array<char, 16> text{};
+  std::uint64_t bits = 0x0123456789abcdef;
+  for (auto _ : state) {
+    encode(bits++, tapforge::HexCase::lower, text.data());
+    benchmark::DoNotOptimize(text);
+  }
+  state.SetBytesProcessed(state.iterations() * 16);
+}
+BENCHMARK_CAPTURE(hexDigitsOut, fast, tapforge::encodeHex16);
+BENCHMARK_CAPTURE(hexDigitsOut, plain, tapforge::plain::encodeHex16);
+
+// Whole conversions in memory: `svf` in, its output of either mode out.
+template <typename Convert>
+void conversion(benchmark::State& state, const std::string& svf, Convert convert) {
+  for (auto _ : state) {
+    if (!convert(svf).good) std::abort();
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<long>(svf.size()));
+}
+
+std::string longScan() {
+  return "HDR 3 TDI (5); SDR " + std::to_string(4 * kDigits) + " TDI (" + hexText(kDigits) + ");";
+}
+
+std::string statements() {
+  std::string text = "HIR 3 TDI (7); HDR 2 TDI (3);\n";
+  for (int i = 0; i < 10000; ++i) {
+    text +=
+        "SIR 8 TDI (5a);\nSDR 32 TDI (01234567) TDO (89abcdef) MASK (ffff0000);\n"
+        "RUNTEST 100 TCK;\n";
+  }
+  return text;
+}
+
+void composedDigitsOut(benchmark::State& state) {
+  conversion(state, longScan(), [](const auto& svf) { return tapforge::testing::toScript(svf); });
+}
+BENCHMARK(composedDigitsOut);
+
+void vectorBytesOut(benchmark::State& state) {
+  conversion(state, longScan(), [](const auto& svf) { return tapforge::testing::toKsvf(svf); });
+}
+BENCHMARK(vectorBytesOut);
+
+void statementsToSvf(benchmark::State& state) {
+  conversion(state, statements(), [](const auto& svf) { return tapforge::testing::toScript(svf); });
+}
+BENCHMARK(statementsToSvf);
+
+void statementsToKsvf(benchmark::State& state) {
+  conversion(state, statements(), [](const auto& svf) { return tapforge::testing::toKsvf(svf); });
+}
+BENCHMARK(statementsToKsvf);
+
+void tokens(benchmark::State& state) {
+  const std::string text = "RUNTEST 100 TCK; SDR 32 TDI (01234567)    ";
+  std::array<char, 16> lower{};
+  for (auto _ : state) {
+    for (std::size_t at = 0; at < 24; ++at) {
+      const auto* from = reinterpret_cast<const unsigned char*>(text.data()) + at;
+      benchmark::DoNotOptimize(tapforge::scanWord(from, lower.data()));
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * 24);
+}
+BENCHMARK(tokens);
+
+}  // namespace
+
+BENCHMARK_MAIN();
