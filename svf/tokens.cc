@@ -16,11 +16,33 @@ bool continuesNumber(unsigned char c) { return !isSpace(c) && (!isPunct(c) || c 
 
 }  // namespace
 
+// The common cases: a short word or a punctuation character, all in the window.
 bool Lexer::advance() {
   if (iUnlex_) {
     iUnlex_ = false;
     return true;
   }
+  const unsigned char* p = source_.begin();
+  const unsigned char* const end = source_.end();
+  unsigned char c = 0;
+  for (;; ++p) {
+    if (p == end) return advanceFar();
+    c = *p;
+    if (!isSpace(c)) break;
+  }
+  if (isWordChar(c)) return takeShortWord(p, end) || advanceFar();
+  if (!isPunct(c) || c == '!' || c == '/') return advanceFar();
+  source_.markToken(p);
+  source_.advanceTo(p + 1);
+  source_.setLastItem(c);
+  type_ = TokenType::punctuation;
+  sTokenLower_[0] = static_cast<char>(c);
+  size_ = 1;
+  return true;
+}
+
+// Any case, through comments and windows, from where advance() began.
+bool Lexer::advanceFar() {
   for (;;) {
     const unsigned char* p = source_.begin();
     const unsigned char* const end = source_.end();
@@ -38,7 +60,7 @@ bool Lexer::advance() {
     source_.markToken(p);
     source_.advanceTo(p);
     if (isWordChar(*p)) {
-      getWord(p, end);
+      if (!takeShortWord(p, end)) getLongWord(isDigit(*p));
       return true;
     }
     if (getCharacter(*p)) return true;
@@ -71,30 +93,30 @@ bool Lexer::getCharacter(unsigned char c) {
   return true;
 }
 
-// A word or a number begins at `start`, the window's first character.
-void Lexer::getWord(const unsigned char* start, const unsigned char* end) {
-  const bool digitLed = isDigit(*start);
+// A word or a number begins at `start`. Takes it when it is short and the
+// window holds it together with the character behind it; else false, and
+// nothing has been read.
+inline bool Lexer::takeShortWord(const unsigned char* start, const unsigned char* end) {
   // Text read 16 characters at a time, wherever the window ends.
   const WordRun run = scanWord(start, sTokenLower_);
   const unsigned char* const behind = start + run.size;
-  if (run.size < SourceReader::kShortItem && behind < end &&
-      (!digitLed || !continuesNumber(*behind))) {
-    // The common case: all in the window, with the character behind it.
-    type_ = run.digits == run.size ? TokenType::number : TokenType::word;
-    size_ = run.size;
-    source_.setShortItem(start, size_);
-    if (blankEndsWord_ && isSpace(*behind)) {
-      source_.advanceTo(behind + 1);
-    } else {
-      source_.peekAt(behind);
-    }
-    return;
+  if (run.size >= SourceReader::kShortItem || behind >= end) return false;
+  // A number goes on with odd characters; the run has ended before a "_".
+  if (run.digits != 0 && !isSpace(*behind) && !isPunct(*behind)) return false;
+  type_ = run.digits == run.size ? TokenType::number : TokenType::word;
+  size_ = run.size;
+  source_.markToken(start);
+  source_.setShortItem(start, size_);
+  if (blankEndsWord_ && isSpace(*behind)) {
+    source_.advanceTo(behind + 1);
+  } else {
+    source_.peekAt(behind);
   }
-  getLongWord(digitLed);
+  return true;
 }
 
-// The same for a token that is long, goes on behind the window or holds odd
-// characters: one at a time. The text is complete before it becomes the last
+// The same for a token at the start of the window that is long, goes on behind
+// it or holds odd characters: one at a time. The text is complete before it becomes the last
 // item, which an error must still show.
 void Lexer::getLongWord(bool digitLed) {
   const std::size_t limit = digitLed ? kNumberLimit : kWordLimit;

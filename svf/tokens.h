@@ -78,8 +78,9 @@ class Lexer {
 
  private:
   bool advance();
+  bool advanceFar();
   bool getCharacter(unsigned char c);
-  void getWord(const unsigned char* start, const unsigned char* end);
+  bool takeShortWord(const unsigned char* start, const unsigned char* end);
   void getLongWord(bool digitLed);
   [[noreturn]] void tooLong(bool digitLed);
   [[noreturn]] void tokenMissing(std::string_view keyword);
