@@ -20,7 +20,11 @@ class CompositeScan {
  public:
   /// `length` is that of compositeLength().
   CompositeScan(const RegisterPatterns& patterns, ScanValue value, long length) : length_(length) {
-    const std::uint64_t fill = value == ScanValue::tdi || value == ScanValue::smask ? kOnes : 0;
+    if (length <= kWord) {
+      setWord(patterns, value);
+      return;
+    }
+    const std::uint64_t fill = fillOf(value);
     const long dataBegin = patterns.head.length();
     const long dataEnd = dataBegin + patterns.data.length();
     addPiece({patterns.head[value], fill, 0, dataBegin});
@@ -31,17 +35,22 @@ class CompositeScan {
 
   /// A value of a single pattern, on its own.
   CompositeScan(const CTapField& field, long length) : length_(length) {
+    if (length <= kWord) {
+      word_ = field.shortBits() & lowBits(length);
+      return;
+    }
     addPiece({&field, 0, 0, length});
     setBody(&field, 0, length);
   }
 
   long length() const { return length_; }  // bits
-  long digits() const { return length_ / 4 + (length_ % 4 != 0 ? 1 : 0); }
+  long digits() const { return static_cast<long>((static_cast<unsigned long>(length_) + 3) / 4); }
 
   /// Bits `low` (at least 0) to `low` + 63; those above the length are 0.
   std::uint64_t bits(long low) const {
+    if (length_ <= kWord) return word_ >> low;
     if (low >= bodyBegin_ && low <= bodyLast_) return body_->bitsAt(low - bodyBegin_);
-    return length_ <= kWord ? word_ >> low : gather(low);
+    return gather(low);
   }
 
  private:
@@ -55,20 +64,40 @@ class CompositeScan {
   static constexpr long kWord = 64;
   static constexpr std::uint64_t kOnes = ~std::uint64_t{0};
 
+  static std::uint64_t fillOf(ScanValue value) {
+    return value == ScanValue::tdi || value == ScanValue::smask ? kOnes : 0;
+  }
+
+  // `count` (1 to 64) 1s.
+  static std::uint64_t lowBits(long count) { return kOnes >> (kWord - count); }
+
+  // All bits of a value of 1 to 64 bits.
+  static std::uint64_t shortBits(const CTapPattern& pattern, ScanValue value, std::uint64_t fill) {
+    const CTapField* const field = pattern[value];
+    return (field != nullptr ? field->shortBits() : fill) & lowBits(pattern.length());
+  }
+
+  // The pieces joined in one word. Empty ones are left out, so that no shift is
+  // by 64.
+  void setWord(const RegisterPatterns& patterns, ScanValue value) {
+    const std::uint64_t fill = fillOf(value);
+    const long dataBegin = patterns.head.length();
+    const long dataEnd = dataBegin + patterns.data.length();
+    if (dataBegin != 0) word_ = shortBits(patterns.head, value, fill);
+    if (dataEnd != dataBegin) word_ |= shortBits(patterns.data, value, kOnes) << dataBegin;
+    if (dataEnd != length_) word_ |= shortBits(patterns.trail, value, fill) << dataEnd;
+  }
+
   // The bits of a piece from one of its own on; 0 above its end.
   static std::uint64_t pieceBits(const Piece& piece, long from) {
     const std::uint64_t bits = piece.field != nullptr ? piece.field->bitsAt(from) : piece.fill;
     const long count = piece.end - piece.begin - from;
-    return count >= kWord ? bits : bits & ((std::uint64_t{1} << count) - 1);
+    return count >= kWord ? bits : bits & lowBits(count);
   }
 
   void addPiece(const Piece& piece) {
     if (piece.begin == piece.end) return;
-    if (length_ <= kWord) {
-      word_ |= pieceBits(piece, 0) << piece.begin;
-    } else {
-      pieces_[static_cast<std::size_t>(count_++)] = piece;
-    }
+    pieces_[static_cast<std::size_t>(count_++)] = piece;
   }
 
   void setBody(const CTapField* field, long begin, long end) {

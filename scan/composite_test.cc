@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <random>
 #include <string>
 
@@ -11,24 +10,25 @@
 namespace tapforge {
 namespace {
 
-// A pattern of random bits, and the same bits as text, the last one first.
-std::string randomPattern(CTapPattern& pattern, long length, bool withTdi, std::mt19937& random) {
+// A pattern with random bits for SMASK or without an SMASK, which stands for 1s,
+// and the same bits as text, the last one first.
+std::string randomPattern(CTapPattern& pattern, long length, bool given, std::mt19937& random) {
   static Reporter report(progmode_svf2tapbus::kDialect);
   std::string bits;
-  ScanValues values;
-  values.lLength = length;
-  values[ScanValue::tdi] = std::make_unique<CTapField>();
-  if (length > 0) values[ScanValue::tdi]->initTapField(length, report);
+  CTapField& field = pattern.storage(ScanValue::smask);
+  if (length > 0) field.initTapField(length, report);
   for (long i = 0; i < (length + 3) / 4; ++i) {
     const unsigned digit = static_cast<unsigned>(random()) % 16;
-    values[ScanValue::tdi]->setTapDataChar(i, digit);
+    field.setTapDataChar(i, digit);
     for (int bit = 0; bit < 4; ++bit) bits += digit >> bit & 1 ? '1' : '0';
   }
-  if (length > 0) values[ScanValue::tdi]->setStart(0);
-  EXPECT_TRUE(pattern.setPattern(values));
-  if (!withTdi) pattern.giveUp(ScanValue::tdi);
+  if (length > 0) field.setStart(0);
+  ScanData data{length, {}};
+  if (length > 0) data.given.add(ScanValue::tdi);
+  if (length > 0 && given) data.given.add(ScanValue::smask);
+  EXPECT_TRUE(pattern.setPattern(data));
   bits.resize(static_cast<std::size_t>(length));
-  return withTdi ? bits : std::string(bits.size(), '1');
+  return given ? bits : std::string(bits.size(), '1');
 }
 
 TEST(CompositeScan, JoinsBitByBit) {
@@ -41,7 +41,7 @@ TEST(CompositeScan, JoinsBitByBit) {
     bits += randomPattern(patterns.data, 1 + any(most), any(5) != 0, random);
     bits += randomPattern(patterns.trail, any(most), any(3) != 0, random);
     const auto length = static_cast<long>(bits.size());
-    const CompositeScan scan(patterns, ScanValue::tdi, length);
+    const CompositeScan scan(patterns, ScanValue::smask, length);
     for (long low = 0; low < length; low += 1 + any(9)) {
       const std::uint64_t word = scan.bits(low);
       for (long i = 0; i < 64; ++i) {

@@ -1,7 +1,6 @@
 #include "scan/scan_statement.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "scan/hex_digits.h"
 #include "shell/text.h"
@@ -127,7 +126,7 @@ bool readShortValue(long length, CTapField& field, Run& run) {
   const ShortHex hex = decodeShortHex(open + 1);
   const unsigned char* const close = open + 1 + hex.digits;
   if (close >= end || *close != ')') return false;
-  if (hex.digits == 0 || hex.digits > static_cast<unsigned>(length + 3) / 4) return false;
+  if (hex.digits == 0 || hex.digits > (static_cast<unsigned>(length) + 3) / 4) return false;
   field.initShort(length, hex.value, run.report);
   source.setLastItem(close[-1]);
   source.markToken(close - 1);
@@ -143,7 +142,7 @@ void readSvfHexData(long length, CTapField& field, Run& run) {
     field.initTapField(length, run.report);
     HexReader(field, run).read();
   }
-  const long used = length % 4;
+  const auto used = static_cast<unsigned long>(length) % 4;
   if (used == 0) return;
   const int top = field.getTapDataChar(field.numChars() - 1);
   if ((top >> used) == 0) return;
@@ -151,30 +150,29 @@ void readSvfHexData(long length, CTapField& field, Run& run) {
                          paddedHex(static_cast<std::uint32_t>(top), 1, true), ") will be ignored"));
 }
 
-ScanValues readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
+ScanData readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
   Lexer& lexer = run.lexer;
-  ScanValues values;
-  values.lLength = lGetLong(Sign::any, lexer);
-  if (values.lLength < 1) {
+  ScanData data;
+  data.lLength = lGetLong(Sign::any, lexer);
+  if (data.lLength < 1) {
     if (dataRequired) run.report.fatal("Data length must be > 0");
     lexer.skipUntil(";");
-    return values;
+    return data;
   }
+  ScanValues& given = data.given;
   while (!lexer.lexIs(";")) {
     const ScanValue kind = valueNamed(lexer);
-    FieldPtr& value = values[kind];
-    if (value != nullptr) {
+    if (given.has(kind)) {
       run.report.fatal(cat("Unknown token or ", lexer.token(), " already specified"));
     }
-    value = pattern.giveUp(kind);
-    if (value == nullptr) value = std::make_unique<CTapField>();
-    readSvfHexData(values.lLength, *value, run);
+    given.add(kind);
+    readSvfHexData(data.lLength, pattern.storage(kind), run);
   }
-  const FieldPtr& mask = values[ScanValue::mask];
-  if (values[ScanValue::tdo] != nullptr && mask != nullptr && isZero(*mask)) {
-    values[ScanValue::tdo].reset();
+  if (given.has(ScanValue::tdo) && given.has(ScanValue::mask) &&
+      isZero(pattern.storage(ScanValue::mask))) {
+    given.remove(ScanValue::tdo);
   }
-  return values;
+  return data;
 }
 
 }  // namespace tapforge

@@ -12,9 +12,9 @@ namespace tapforge {
 /// rest of the statement is then skipped. A TDO that comes with an all-zero
 /// MASK compares nothing and is dropped.
 ///
-/// `pattern` is the one that the values are meant for; those that the
-/// statement gives anew are taken out of it, see CTapPattern::giveUp().
-ScanValues readTapData(bool dataRequired, CTapPattern& pattern, Run& run);
+/// `pattern` is the one that the values are meant for. They are read into its
+/// storage, see CTapPattern::storage(), and put in force by setPattern().
+ScanData readTapData(bool dataRequired, CTapPattern& pattern, Run& run);
 
 /// Reads one parenthesised hex value into `field`, `length` bits long. White
 /// space may stand anywhere in it. Missing digits are 0 and the most

@@ -38,6 +38,13 @@ class CTapField {
     putBits(128, 0);
   }
 
+  /// Gives storage for more than kSmall bytes back; the vector is then lost.
+  void freeLarge() {
+    if (capacity_ <= kSmall) return;
+    pData_.reset();
+    capacity_ = 0;
+  }
+
   long length() const { return lLength_; }      // bits
   long numChars() const { return lNumChars_; }  // hex digits
   long start() const { return lStartChar_; }
@@ -67,6 +74,9 @@ class CTapField {
     return bits | (static_cast<std::uint64_t>(from[8]) << (63 - shift) << 1);
   }
 
+  /// As bitsAt(0), for a field of at most 64 bits.
+  std::uint64_t shortBits() const { return loadLittle(pData_.get()); }
+
   /// Stores 64 bits from bit `low` up, a multiple of 8, for a field with start()
   /// 0. Bits above the length must be 0.
   void putBits(long low, std::uint64_t bits) {
@@ -90,10 +100,11 @@ class CTapField {
     return word;
   }
   void setLength(long length) {
+    // Without a sign, because the length can be the largest long.
+    const auto bits = static_cast<unsigned long>(length);
     lLength_ = length;
-    // Not (length + 3) / 4: the length can be the largest long.
-    lNumChars_ = length / 4 + (length % 4 != 0 ? 1 : 0);
-    lNumBytes_ = length / 8 + (length % 8 != 0 ? 1 : 0);
+    lNumChars_ = static_cast<long>((bits + 3) / 4);
+    lNumBytes_ = static_cast<long>((bits + 7) / 8);
     lStartChar_ = 0;
   }
   void putDigit(long index, unsigned value);

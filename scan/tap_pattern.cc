@@ -1,25 +1,29 @@
 #include "scan/tap_pattern.h"
 
-#include <utility>
-
 namespace tapforge {
 
-bool CTapPattern::setPattern(ScanValues& given) {
-  if (given.lLength == 0) {
-    now_ = ScanValues{};
-    return true;
+bool CTapPattern::setPattern(const ScanData& data) {
+  if (data.lLength != lLength_) {
+    if (data.lLength != 0 && !data.given.has(ScanValue::tdi)) return false;
+    lLength_ = data.lLength;
+    inForce_ = data.given;
+  } else {
+    // Expected values never carry over.
+    inForce_.remove(ScanValue::tdo);
+    inForce_.add(data.given);
   }
-  if (given.lLength != now_.lLength) {
-    if (given[ScanValue::tdi] == nullptr) return false;
-    now_ = std::move(given);
-    return true;
-  }
-  for (const ScanValue value : {ScanValue::tdi, ScanValue::mask, ScanValue::smask}) {
-    if (given[value] != nullptr) now_[value] = std::move(given[value]);
-  }
-  // Expected values never carry over.
-  now_[ScanValue::tdo] = std::move(given[ScanValue::tdo]);
+  if (held_ != inForce_) freeUnused();
   return true;
+}
+
+// Storage of values that are no longer in force; a little is kept for the next
+// statement.
+void CTapPattern::freeUnused() {
+  for (const ScanValue value :
+       {ScanValue::tdi, ScanValue::tdo, ScanValue::mask, ScanValue::smask}) {
+    if (!inForce_.has(value)) fields_[static_cast<std::size_t>(value)].freeLarge();
+  }
+  held_ = inForce_;
 }
 
 }  // namespace tapforge

@@ -3,53 +3,68 @@
 
 #include <array>
 #include <cstddef>
-#include <memory>
-#include <utility>
 
 #include "scan/tap_field.h"
 
 namespace tapforge {
 
-/// A value that a statement did not give, or that is not in force, is null.
-using FieldPtr = std::unique_ptr<CTapField>;
-
 /// The four values of a scan: bits shifted in, bits expected out, which of
 /// these are compared, which of those shifted in matter.
 enum class ScanValue : unsigned char { tdi, tdo, mask, smask };
 
-/// What one scan statement gives: its length in bits and up to four values.
+/// A set of the four values.
 class ScanValues {
  public:
-  long lLength = 0;
-  FieldPtr& operator[](ScanValue value) { return fields_[static_cast<std::size_t>(value)]; }
-  const FieldPtr& operator[](ScanValue value) const {
-    return fields_[static_cast<std::size_t>(value)];
-  }
+  bool has(ScanValue value) const { return (bits_ & bitOf(value)) != 0; }
+  void add(ScanValue value) { bits_ |= bitOf(value); }
+  void add(ScanValues values) { bits_ |= values.bits_; }
+  void remove(ScanValue value) { bits_ &= ~bitOf(value); }
+  bool operator==(const ScanValues&) const = default;
 
  private:
-  std::array<FieldPtr, 4> fields_;
+  static unsigned bitOf(ScanValue value) { return 1U << static_cast<unsigned>(value); }
+  unsigned bits_ = 0;
+};
+
+/// What one scan statement gives: its length in bits and some of the values,
+/// whose bits are in the pattern's storage already.
+struct ScanData {
+  long lLength = 0;
+  ScanValues given;
 };
 
 /// The values in force for one kind of scan (SIR, SDR, HIR, HDR, TIR or TDR),
 /// with SVF's rules for what carries over from statement to statement.
 class CTapPattern {
  public:
-  /// Takes over what a statement gives. While the length stays the same TDI,
+  /// Puts in force what a statement gives. While the length stays the same TDI,
   /// MASK and SMASK stand until given again and TDO must be given each time; a
   /// new length drops all of them and must come with a TDI. Length 0 clears.
-  /// False when TDI is missing: the pattern is as before.
-  [[nodiscard]] bool setPattern(ScanValues& given);
+  /// False when TDI is missing: the pattern is then of no more use, since the
+  /// values given are stored and those before are lost.
+  [[nodiscard]] bool setPattern(const ScanData& data);
 
-  long length() const { return now_.lLength; }  // bits
+  long length() const { return lLength_; }  // bits
   /// Null when the value is not in force.
-  const CTapField* operator[](ScanValue value) const { return now_[value].get(); }
+  const CTapField* operator[](ScanValue value) const {
+    return inForce_.has(value) ? &fields_[static_cast<std::size_t>(value)] : nullptr;
+  }
 
-  /// Gives up a value that the statement being read gives anew, so that its
-  /// storage serves the new one and both never exist together.
-  FieldPtr giveUp(ScanValue value) { return std::move(now_[value]); }
+  /// Where the statement being read puts a value that it gives anew. There is
+  /// one storage for the old and the new one, so both never exist together;
+  /// setPattern() must follow.
+  CTapField& storage(ScanValue value) {
+    held_.add(value);
+    return fields_[static_cast<std::size_t>(value)];
+  }
 
  private:
-  ScanValues now_;
+  void freeUnused();
+
+  long lLength_ = 0;
+  ScanValues inForce_;
+  ScanValues held_;  // fields that may hold more than a little storage
+  std::array<CTapField, 4> fields_;
 };
 
 }  // namespace tapforge

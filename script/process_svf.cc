@@ -51,8 +51,8 @@ void doScan(Keyword scan, Run& run, ScanWriter& writer) {
   const bool dataRequired = scan == Keyword::sir || scan == Keyword::sdr;
   if (dataRequired) run.tap.iSvfTrstRule = true;
   CTapPattern& pattern = tapforge::patternOf(scan, run.tap);
-  tapforge::ScanValues values = tapforge::readTapData(dataRequired, pattern, run);
-  tapforge::storeScan(pattern, values, run);
+  const tapforge::ScanData data = tapforge::readTapData(dataRequired, pattern, run);
+  tapforge::storeScan(pattern, data, run);
   writer.doDataShift(scan, run.tap);
 }
 

@@ -38,8 +38,8 @@ CTapPattern& patternOf(Keyword scan, CTapObj& tap) {
   return patterns.data;
 }
 
-void storeScan(CTapPattern& pattern, ScanValues& values, Run& run) {
-  if (pattern.setPattern(values)) return;
+void storeScan(CTapPattern& pattern, const ScanData& data, Run& run) {
+  if (pattern.setPattern(data)) return;
   run.report.warning("TDI data required", Where::nowhere);
   run.report.fatal("SVF rule violation");
 }

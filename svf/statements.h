@@ -32,9 +32,9 @@ CTapPattern& patternOf(Keyword scan, CTapObj& tap);
 RegisterPatterns& registerOf(Keyword scan, CTapObj& tap);
 bool isDataScan(Keyword scan);
 
-/// Gives what a scan statement read to its pattern; fatal "SVF rule violation"
+/// Puts what a scan statement read in force in its pattern; fatal "SVF rule violation"
 /// when the pattern refuses it.
-void storeScan(CTapPattern& pattern, ScanValues& values, Run& run);
+void storeScan(CTapPattern& pattern, const ScanData& data, Run& run);
 
 /// Warns of an unknown keyword and reads its statement away. White space that a
 /// lost "/" has made a token is passed over without a word, and gives true.

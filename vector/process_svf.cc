@@ -111,9 +111,9 @@ class StatementLoop final : private CommentSink {
     const bool isScan = scan == Keyword::sir || scan == Keyword::sdr;
     if (isScan) run_.tap.iSvfTrstRule = true;
     tapforge::CTapPattern& pattern = tapforge::patternOf(scan, run_.tap);
-    tapforge::ScanValues values = tapforge::readTapData(isScan, pattern, run_);
+    const tapforge::ScanData data = tapforge::readTapData(isScan, pattern, run_);
     bytes_.writeSvfSrc(source_, false);
-    tapforge::storeScan(pattern, values, run_);
+    tapforge::storeScan(pattern, data, run_);
     if (scan == Keyword::sdr) run_.tap.iCurState = run_.tap.iEndDrState;
     if (scan == Keyword::sir) run_.tap.iCurState = run_.tap.iEndIrState;
     scans_.doDataShift(scan);
