@@ -12,6 +12,7 @@ using tapforge::cat;
 using tapforge::HexCase;
 using tapforge::ScanValue;
 using tapforge::StatusStyle;
+using namespace std::string_view_literals;
 
 constexpr long kDigitsPerLine = 64;
 constexpr long kMergedProgress = 200000;  // digits; a multiple of a line
@@ -58,7 +59,7 @@ void ScanWriter::doDataShift(Keyword scan, CTapObj& tap) {
 void ScanWriter::writeScan(Keyword scan, const RegisterPatterns& patterns) {
   const bool isData = tapforge::isDataScan(scan);
   const std::string_view command =
-      isTcl() ? (isData ? "scan_dr_tapbus " : "scan_ir_tapbus ") : (isData ? "SDR" : "SIR");
+      isTcl() ? (isData ? "scan_dr_tapbus "sv : "scan_ir_tapbus "sv) : (isData ? "SDR"sv : "SIR"sv);
   if (vars_.iSvfSyntaxCheck) {
     output_.write(command);
     output_.put(' ');
@@ -70,7 +71,7 @@ void ScanWriter::writeScan(Keyword scan, const RegisterPatterns& patterns) {
     output_.write(command);
     combineHeaderDataTrailer(patterns, length);
   }
-  output_.write(isTcl() ? "\n" : " ;");
+  output_.write(isTcl() ? "\n"sv : " ;"sv);
   script_.writeSeparator();
   if (vars_.iInsertWait > 0) output_.write(cat("RUNTEST ", vars_.iInsertWait, " TCK;\n"));
 }
@@ -96,15 +97,18 @@ void ScanWriter::combineHeaderDataTrailer(const RegisterPatterns& patterns, long
 void ScanWriter::consolidateData(const CompositeScan& scan) {
   // The digits of a line after the first stand under those of the first.
   constexpr std::string_view kLineBreak = "\n         ";
-  writeLines(
-      output_, [&scan](long low) { return scan.bits(low); }, scan.digits(), HexCase::lower,
-      kLineBreak,
-      [this](long first) {
-        if (first == 0 || first % kMergedProgress != 0) return;
-        report_.statusMsg(cat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
-                          StatusStyle::rewind);
-      });
-  if (scan.digits() > kMergedProgress) report_.statusMsg("", StatusStyle::wipe);
+  const auto bits = [&scan](long low) { return scan.bits(low); };
+  const long digits = scan.digits();
+  if (digits <= kDigitsPerLine) {
+    tapforge::writeDigits(output_, bits, digits - 1, digits, HexCase::lower);
+    return;
+  }
+  writeLines(output_, bits, digits, HexCase::lower, kLineBreak, [this](long first) {
+    if (first == 0 || first % kMergedProgress != 0) return;
+    report_.statusMsg(cat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
+                      StatusStyle::rewind);
+  });
+  if (digits > kMergedProgress) report_.statusMsg("", StatusStyle::wipe);
 }
 
 void ScanWriter::writeHeaderTrailer(Keyword scan, const CTapPattern& pattern) {
@@ -124,7 +128,7 @@ void ScanWriter::writeHeaderTrailer(Keyword scan, const CTapPattern& pattern) {
     printDataAndMask(pattern, true, scan);
   }
   if (isTcl() && comment) output_.write(kCombined);
-  output_.write(isTcl() ? "\n" : " ;");
+  output_.write(isTcl() ? "\n"sv : " ;"sv);
   script_.writeSeparator();
 }
 

@@ -7,9 +7,9 @@
 
 namespace progmode_svf2tapbus {
 
-using tapforge::appendDecimal;
 using tapforge::cat;
 using tapforge::truncated;
+using namespace std::string_view_literals;
 
 void CommentCopier::beginComment(std::string_view text) {
   if (vars_.iGlobOutFormat) output_.write("#-");
@@ -17,7 +17,7 @@ void CommentCopier::beginComment(std::string_view text) {
 }
 
 void ScriptWriter::writeStatement() {
-  output_.write(sBufStatement_);
+  output_.write(sBufStatement_.view());
   sBufStatement_.clear();
   writeSeparator();
 }
@@ -36,7 +36,7 @@ void ScriptWriter::writeSeparator() {
 }
 
 void ScriptWriter::writeLine() {
-  output_.write(sBufStatement_);
+  output_.write(sBufStatement_.view());
   output_.put('\n');
   sBufStatement_.clear();
 }
@@ -77,7 +77,7 @@ void ScriptWriter::beginTrst(std::string_view modeAsWritten) {
   sBufStatement_ = cat(isTcl() ? "# TRST " : "TRST ", modeAsWritten, " ;");
 }
 
-void ScriptWriter::beginRunTest() { sBufStatement_ = isTcl() ? "runtest_tapbus" : "RUNTEST"; }
+void ScriptWriter::beginRunTest() { sBufStatement_ = isTcl() ? "runtest_tapbus"sv : "RUNTEST"sv; }
 
 void ScriptWriter::runState(std::string_view name) {
   sBufStatement_ += isTcl() ? " -wait " : " ";
@@ -89,7 +89,7 @@ void ScriptWriter::runCount(long count, std::string_view unit) {
     splitWait(count);
   } else {
     sBufStatement_ += ' ';
-    appendDecimal(sBufStatement_, count);
+    sBufStatement_.appendDecimal(count);
     sBufStatement_ += ' ';
     sBufStatement_ += unit;
   }
@@ -129,7 +129,7 @@ void ScriptWriter::splitWait(long clocks) {
     clocks -= most;
   }
   sBufStatement_ += " -tck ";
-  appendDecimal(sBufStatement_, clocks);
+  sBufStatement_.appendDecimal(clocks);
 }
 
 }  // namespace progmode_svf2tapbus

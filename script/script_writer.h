@@ -1,9 +1,9 @@
 #ifndef TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 #define TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 
-#include <string>
 #include <string_view>
 
+#include "script/statement_text.h"
 #include "script/vars.h"
 #include "shell/output_file.h"
 #include "svf/line_reader.h"
@@ -70,7 +70,7 @@ class ScriptWriter final : public tapforge::RunTestSink {
   OutputFile& output_;
   const LineReader& source_;
   Reporter& report_;
-  std::string sBufStatement_;
+  StatementText sBufStatement_;
 };
 
 }  // namespace progmode_svf2tapbus
