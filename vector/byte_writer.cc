@@ -38,11 +38,12 @@ void ByteWriter::binWrite(long value, int digits) {
   auto number = static_cast<std::uint32_t>(value);
   const int width = (static_cast<int>(std::bit_width(number)) + 3) / 4;
   if (width > digits) number >>= 4 * (width - digits);
-  char* out = output_.reserve(sizeof number);
-  for (int shift = 4 * digits - 8; shift >= 0; shift -= 8) {
-    *out++ = static_cast<char>(number >> shift);
-  }
-  output_.advance(out);
+  // Moved up, so that the bytes wanted come first.
+  number <<= 4 * (8 - digits);
+  if constexpr (std::endian::native == std::endian::little) number = __builtin_bswap32(number);
+  char* const out = output_.reserve(sizeof number);
+  std::memcpy(out, &number, sizeof number);
+  output_.advance(out + digits / 2);
 }
 
 void ByteWriter::bytePrint(const VectorBits& bits, long low, long count) {
@@ -82,8 +83,7 @@ void ByteWriter::bytePrintZeros(long count) {
   fill(output_, bytesOf(count), '\0');
 }
 
-void ByteWriter::listNumber(Command code, long value, int width, std::string_view end) {
-  if (pFC_Ascii_ == nullptr) return;
+void ByteWriter::listAnyNumber(Command code, long value, int width, std::string_view end) {
   pFC_Ascii_->write(nameOf(code));
   pFC_Ascii_->write(" 0x");
   pFC_Ascii_->write(tapforge::paddedHex(static_cast<std::uint32_t>(value), width, true));

@@ -88,7 +88,9 @@ class ByteWriter {
     if (pFC_Ascii_ != nullptr) pFC_Ascii_->write(text);
   }
   /// "COMMAND 0x", the value with at least `width` upper-case hex digits, `end`.
-  void listNumber(Command code, long value, int width, std::string_view end);
+  void listNumber(Command code, long value, int width, std::string_view end) {
+    if (pFC_Ascii_ != nullptr) listAnyNumber(code, value, width, end);
+  }
 
   /// Writes the source's echo as a KCOMMENT, if there is any; `reset` clears it.
   void writeSvfSrc(CharReader& source, bool reset);
@@ -98,6 +100,8 @@ class ByteWriter {
   void ksvfTrailer();
 
  private:
+  void listAnyNumber(Command code, long value, int width, std::string_view end);
+
   const Vars& vars_;
   OutputFile& output_;
   OutputFile* pFC_Ascii_;
