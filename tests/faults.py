@@ -45,7 +45,7 @@ class Faults(unittest.TestCase):
         for mode in ["-tapbus", "-ksvf"]:
             with self.subTest(mode):
                 self.run_it(mode, "-w", "-o", "out", "-i", "in.svf", status=1, says="Error  : out file error",
-                            limit=(resource.RLIMIT_FSIZE, 300 * 1024))
+                            limit=(resource.RLIMIT_FSIZE, 200 * 1024))
                 self.assertGreater((self.at / "out").stat().st_size, 128 * 1024)
 
     def test_closed_pipe_as_output(self):
