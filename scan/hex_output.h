@@ -12,14 +12,8 @@ namespace tapforge {
 /// least significant one. `bits(low)` gives the 64 bits from bit `low` up; bits
 /// above the digits asked for do no harm.
 template <typename Bits>
-void writeDigits(OutputFile& output, const Bits& bits, long top, long count, HexCase hexCase) {
+void writeManyDigits(OutputFile& output, const Bits& bits, long top, long count, HexCase hexCase) {
   constexpr long kAtOnce = 256;
-  if (count <= 16) {
-    char* out = output.reserve(16);
-    encodeHex16(bits(4 * (top - count + 1)) << (64 - 4 * count), hexCase, out);
-    output.advance(out + count);
-    return;
-  }
   while (count > 0) {
     long rest = std::min(count, kAtOnce);
     count -= rest;
@@ -35,6 +29,19 @@ void writeDigits(OutputFile& output, const Bits& bits, long top, long count, Hex
     }
     output.advance(out);
   }
+}
+
+/// The same, with the short values of most statements out of the loop.
+template <typename Bits>
+inline void writeDigits(OutputFile& output, const Bits& bits, long top, long count,
+                        HexCase hexCase) {
+  if (count > 16) {
+    writeManyDigits(output, bits, top, count, hexCase);
+    return;
+  }
+  char* const out = output.reserve(16);
+  encodeHex16(bits(4 * (top - count + 1)) << (64 - 4 * count), hexCase, out);
+  output.advance(out + count);
 }
 
 }  // namespace tapforge

@@ -40,28 +40,13 @@ Number real(const std::string& text) {
   return {Number::Kind::real, std::strtof(text.c_str(), nullptr), 0};
 }
 
-}  // namespace
-
-Number getFloat(Lexer& lexer) {
+// The rest of a number that is no integer. The current token is the mantissa,
+// or the fraction behind `integer` and its point.
+Number readReal(std::string_view integer, bool negative, Lexer& lexer) {
   Reporter& report = lexer.report();
-  if (lexer.lexIs(";")) return {};
-  const bool negative = lexer.is("-");
-  if (negative || lexer.is("+")) lexer.lex();
-
-  std::string text;
-  if (lexer.type() == TokenType::number) {
-    const long value = decimalValue(lexer.token());
-    char digits[Lexer::kNumberLimit];
-    const std::size_t size = lexer.token().copy(digits, sizeof digits);
-    if (!lexer.lexIs(".")) {
-      lexer.unlex();
-      if (negative && value > 0) report.fatal("Positive number required");
-      return {Number::Kind::integer, 0, value};
-    }
-    text.assign(digits, size) += '.';
-    lexer.lex();
-  }
+  std::string text(integer);
   const bool hasInteger = !text.empty();
+  if (hasInteger) text += '.';
   if (lexer.type() != TokenType::number && lexer.type() != TokenType::word) report.fatal(kSyntax);
   const Mantissa mantissa = scanMantissa(lexer.token());
   if (mantissa == Mantissa::noNumber) {
@@ -85,6 +70,27 @@ Number getFloat(Lexer& lexer) {
   const Number number = real(text);
   if (number.real < 0) report.fatal("Expected a positive number");
   return number;
+}
+
+}  // namespace
+
+Number getFloat(Lexer& lexer) {
+  Reporter& report = lexer.report();
+  if (lexer.lexIs(";")) return {};
+  const bool negative = lexer.is("-");
+  if (negative || lexer.is("+")) lexer.lex();
+  if (lexer.type() != TokenType::number) return readReal({}, negative, lexer);
+
+  const long value = decimalValue(lexer.token());
+  char digits[Lexer::kNumberLimit];
+  const std::size_t size = lexer.token().copy(digits, sizeof digits);
+  if (!lexer.lexIs(".")) {
+    lexer.unlex();
+    if (negative && value > 0) report.fatal("Positive number required");
+    return {Number::Kind::integer, 0, value};
+  }
+  lexer.lex();
+  return readReal({digits, size}, negative, lexer);
 }
 
 long truncated(float value) {

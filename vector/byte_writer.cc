@@ -19,8 +19,9 @@ constexpr std::array<std::string_view, 24> kNames = {
 // The listing shows whole bytes, so an odd digit gets a 0 in front.
 bool hasOddDigits(long bits) { return (bits - 1) % 8 < 4; }
 
-long digitsOf(long bits) { return bits / 4 + (bits % 4 != 0 ? 1 : 0); }
-long bytesOf(long bits) { return bits / 8 + (bits % 8 != 0 ? 1 : 0); }
+// Without a sign, because a length can be the largest long.
+long digitsOf(long bits) { return static_cast<long>((static_cast<unsigned long>(bits) + 3) / 4); }
+long bytesOf(long bits) { return static_cast<long>((static_cast<unsigned long>(bits) + 7) / 8); }
 
 }  // namespace
 
@@ -56,7 +57,7 @@ void ByteWriter::bytePrint(const VectorBits& bits, long low, long count) {
   // Eight bytes at a time; the first word of a vector may hold fewer.
   long left = bytesOf(count);
   while (left > 0) {
-    const long bytes = (left - 1) % 8 + 1;
+    const long bytes = ((left - 1) & 7) + 1;
     left -= bytes;
     std::uint64_t word = bits(low + 8 * left);
     if (count - 8 * left < 64) word &= (std::uint64_t{1} << (count - 8 * left)) - 1;
