@@ -17,8 +17,9 @@ TEST(WordScan, FastAndPlainAgree) {
   for (int round = 0; round < 50000; ++round) {
     std::array<unsigned char, 16> text{};
     for (unsigned char& c : text) {
-      const unsigned any = static_cast<unsigned>(random());
-      c = static_cast<unsigned char>(any % 8 == 0 ? any >> 8 : "azAZ09_s"[any >> 8 & 7]);
+      const auto any = static_cast<unsigned>(random());
+      c = static_cast<unsigned char>("azAZ09_s"[any >> 8 & 7]);
+      if (any % 8 == 0) c = static_cast<unsigned char>(any >> 8);
     }
     std::array<char, 16> fast{};
     std::array<char, 16> slow{};
