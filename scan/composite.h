@@ -18,6 +18,10 @@ namespace tapforge {
 /// and with 0s for TDO and MASK; the statement's own part is filled with 1s.
 class CompositeScan {
  public:
+  // The pieces are filled in only where they are used: these constructors run
+  // for every value of every short statement.
+  // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
+
   /// `length` is that of compositeLength().
   CompositeScan(const RegisterPatterns& patterns, ScanValue value, long length) : length_(length) {
     if (length <= kWord) {
@@ -42,6 +46,8 @@ class CompositeScan {
     addPiece({&field, 0, 0, length});
     setBody(&field, 0, length);
   }
+
+  // NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
   long length() const { return length_; }  // bits
   long digits() const { return static_cast<long>((static_cast<unsigned long>(length_) + 3) / 4); }

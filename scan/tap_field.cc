@@ -13,12 +13,11 @@ namespace {
 // conversion. Only a hint, so nothing depends on its success.
 void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {
 #if defined(__linux__)
-  constexpr std::uintptr_t kPage = 4096;
-  constexpr std::size_t kWorthwhile = 4 * 1024 * 1024;
-  if (size < kWorthwhile) return;
-  const auto begin = (reinterpret_cast<std::uintptr_t>(data) + kPage - 1) / kPage * kPage;
-  const auto end = (reinterpret_cast<std::uintptr_t>(data) + size) / kPage * kPage;
-  madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  constexpr std::size_t kPage = 4096;
+  constexpr std::size_t kWorthwhile = std::size_t{4} * 1024 * 1024;
+  void* pages = data;
+  if (size < kWorthwhile || std::align(kPage, kPage, pages, size) == nullptr) return;
+  madvise(pages, size / kPage * kPage, MADV_HUGEPAGE);
 #endif
 }
 

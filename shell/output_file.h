@@ -61,7 +61,7 @@ class OutputFile {
   void writeLarge(std::string_view text);
   void fail();
 
-  static constexpr std::size_t kBlock = 128 * 1024;
+  static constexpr std::size_t kBlock = std::size_t{128} * 1024;
 
   FilePtr pFile_;
   std::string sFileName_;

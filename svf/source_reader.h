@@ -106,7 +106,7 @@ class SourceReader : public InputPosition {
   bool fileEnded_ = false;
 
  private:
-  static constexpr std::size_t kBlock = 128 * 1024;
+  static constexpr std::size_t kBlock = std::size_t{128} * 1024;
   static constexpr std::size_t kPage = 4096;
   // The file is read to a page boundary, with room for the kept bytes before
   // it: at 16 bytes behind one the system's copy took five times as long.
