@@ -87,7 +87,10 @@ void ByteWriter::bytePrintZeros(long count) {
 void ByteWriter::listAnyNumber(Command code, long value, int width, std::string_view end) {
   pFC_Ascii_->write(nameOf(code));
   pFC_Ascii_->write(" 0x");
-  pFC_Ascii_->write(tapforge::paddedHex(static_cast<std::uint32_t>(value), width, true));
+  const auto number = static_cast<std::uint32_t>(value);
+  const int digits = std::max(width, (static_cast<int>(std::bit_width(number)) + 3) / 4);
+  const auto bits = [number](long) { return std::uint64_t{number}; };
+  tapforge::writeDigits(*pFC_Ascii_, bits, digits - 1, digits, tapforge::HexCase::upper);
   pFC_Ascii_->write(end);
 }
 
