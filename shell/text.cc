@@ -6,12 +6,6 @@
 
 namespace tapforge {
 
-void appendDecimal(std::string& text, long value) {
-  std::array<char, 20> digits{};
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-  text.append(digits.data(), end);
-}
-
 std::string paddedDecimal(long value, int width) {
   std::string text = std::to_string(value);
   const auto wanted = static_cast<std::size_t>(std::max(width, 0));

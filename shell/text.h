@@ -26,9 +26,6 @@ std::string cat(const Pieces&... pieces) {
   return text;
 }
 
-/// Puts a number behind a text that is being built.
-void appendDecimal(std::string& text, long value);
-
 /// "%*ld": decimal, blanks in front up to `width` characters.
 std::string paddedDecimal(long value, int width);
 

@@ -18,12 +18,13 @@ namespace {
 
 class RecordingReporter final : public Reporter {
  public:
-  using Reporter::Reporter;
+  explicit RecordingReporter(const Dialect& dialect) : Reporter(dialect) { setScreen(true); }
   std::string text;
+  std::string status;
 
  private:
   void print(std::string_view message) override { text += message; }
-  void printStatus(std::string_view) override {}
+  void printStatus(std::string_view line) override { status += line; }
 };
 
 /// A file in memory that goes on existing after its handle is closed.
@@ -65,6 +66,7 @@ Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) 
   outputFile.close();
   converted.output = output.text();
   converted.messages = report.text;
+  converted.status = report.status;
   return converted;
 }
 
@@ -86,6 +88,7 @@ Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars) {
   converted.output = output.text();
   converted.listing = listing.text();
   converted.messages = report.text;
+  converted.status = report.status;
   return converted;
 }
 

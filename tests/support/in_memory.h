@@ -14,6 +14,7 @@ struct Converted {
   std::string output;
   std::string listing;   // mode 1 only
   std::string messages;  // as on standard output
+  std::string status;    // progress lines, as on a screen that is on
   bool good = false;     // status 0
 };
 
