@@ -26,7 +26,7 @@ std::string withoutBlanks(std::string text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto input = tapforge::fuzz::parseInput(data, size);
   if (!input.usable) return 0;
-  progmode_svf2tapbus::Vars vars;
+  progmode_svf2tapbus::ScriptVars vars;
   vars.iSvfSyntaxCheck = (input.options & 1) != 0;
   vars.iGlobOutFormat = (input.options & 2) != 0;
   vars.iSkipTdoTest = (input.options & 4) != 0;

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "scan/tap_obj.h"
-#include "shell/reporter.h"
+#include "shell/io/reporter.h"
 
 namespace tapforge {
 

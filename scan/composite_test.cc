@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "script/dialect.h"
+#include "script/script_traits.h"
 
 namespace tapforge {
 namespace {

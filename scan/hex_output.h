@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "scan/hex_digits.h"
-#include "shell/output_file.h"
+#include "shell/io/output_file.h"
 
 namespace tapforge {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "scan/hex_digits.h"
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {
@@ -28,7 +28,7 @@ class HexReader {
       if (isSpace(c)) continue;
       const int value = hexValue(c);
       if (value < 0) {
-        run_.report.fatal(cat("Invalid SVF data [", static_cast<char>(c), "]"));
+        run_.report.fatal(concat("Invalid SVF data [", static_cast<char>(c), "]"));
       }
       takeDigit(static_cast<unsigned>(value));
     }
@@ -77,7 +77,7 @@ class HexReader {
 
   void showProgress() {
     if (position_ <= 0 || position_ % kProgressStep != 0) return;
-    run_.report.statusMsg(cat("*** Reading hex char #", paddedDecimal(position_, 8)),
+    run_.report.statusMsg(concat("*** Reading hex char #", paddedDecimal(position_, 8)),
                           StatusStyle::rewind);
     shownProgress_ = true;
   }
@@ -106,7 +106,7 @@ ScanValue valueNamed(Lexer& lexer) {
   if (lexer.is("tdo")) return ScanValue::tdo;
   if (lexer.is("mask")) return ScanValue::mask;
   if (lexer.is("smask")) return ScanValue::smask;
-  lexer.report().fatal(cat("Invalid SDR format [", lexer.token(), "]"));
+  lexer.report().fatal(concat("Invalid SDR format [", lexer.token(), "]"));
 }
 
 }  // namespace
@@ -146,8 +146,9 @@ void readSvfHexData(long length, CTapField& field, Run& run) {
   if (used == 0) return;
   const int top = field.getTapDataChar(field.numChars() - 1);
   if ((top >> used) == 0) return;
-  run.report.warning(cat("1's in ", 4 - used, " MSB bits of leading hex char (",
-                         paddedHex(static_cast<std::uint32_t>(top), 1, true), ") will be ignored"));
+  run.report.warning(concat("1's in ", 4 - used, " MSB bits of leading hex char (",
+                            paddedHex(static_cast<std::uint32_t>(top), 1, true),
+                            ") will be ignored"));
 }
 
 ScanData readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
@@ -163,7 +164,7 @@ ScanData readTapData(bool dataRequired, CTapPattern& pattern, Run& run) {
   while (!lexer.lexIs(";")) {
     const ScanValue kind = valueNamed(lexer);
     if (given.has(kind)) {
-      run.report.fatal(cat("Unknown token or ", lexer.token(), " already specified"));
+      run.report.fatal(concat("Unknown token or ", lexer.token(), " already specified"));
     }
     given.add(kind);
     readSvfHexData(data.lLength, pattern.storage(kind), run);

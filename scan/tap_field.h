@@ -7,7 +7,7 @@
 #include <cstring>
 #include <memory>
 
-#include "shell/reporter.h"
+#include "shell/io/reporter.h"
 
 namespace tapforge {
 

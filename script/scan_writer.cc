@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "scan/hex_output.h"
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace progmode_svf2tapbus {
 namespace {
 
-using tapforge::cat;
+using tapforge::concat;
 using tapforge::HexCase;
 using tapforge::ScanValue;
 using tapforge::StatusStyle;
@@ -73,7 +73,7 @@ void ScanWriter::writeScan(Keyword scan, const RegisterPatterns& patterns) {
   }
   output_.write(isTcl() ? "\n"sv : " ;"sv);
   script_.writeSeparator();
-  if (vars_.iInsertWait > 0) output_.write(cat("RUNTEST ", vars_.iInsertWait, " TCK;\n"));
+  if (vars_.iInsertWait > 0) output_.write(concat("RUNTEST ", vars_.iInsertWait, " TCK;\n"));
 }
 
 void ScanWriter::combineHeaderDataTrailer(const RegisterPatterns& patterns, long length) {
@@ -105,7 +105,7 @@ void ScanWriter::consolidateData(const CompositeScan& scan) {
   }
   writeLines(output_, bits, digits, HexCase::lower, kLineBreak, [this](long first) {
     if (first == 0 || first % kMergedProgress != 0) return;
-    report_.statusMsg(cat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
+    report_.statusMsg(concat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
                       StatusStyle::rewind);
   });
   if (digits > kMergedProgress) report_.statusMsg("", StatusStyle::wipe);
@@ -116,12 +116,12 @@ void ScanWriter::writeHeaderTrailer(Keyword scan, const CTapPattern& pattern) {
   const bool comment = !vars_.iSvfSyntaxCheck;
   if (isTcl()) {
     output_.write(
-        cat("set_property ", nameOf(scan), "_length {", pattern.length(), "} $current_tapbus"));
+        concat("set_property ", nameOf(scan), "_length {", pattern.length(), "} $current_tapbus"));
     script_.writeSeparator();
   } else {
     // The text after "!" makes the statement's own first line a comment too.
     if (comment) output_.write(kCombined);
-    output_.write(cat(nameOf(scan), " ", pattern.length()));
+    output_.write(concat(nameOf(scan), " ", pattern.length()));
   }
   if (pattern.length() > 0) {
     printDataAndMask(pattern, false, scan);
@@ -145,7 +145,7 @@ void ScanWriter::printDataAndMask(const CTapPattern& pattern, bool isTdo, Keywor
   } else if (isScan) {
     output_.write(isTdo ? " -tdo " : " -tdi ");
   } else {
-    output_.write(cat("\nset_property ", nameOf(scan), isTdo ? "_TDO {" : "_TDI {"));
+    output_.write(concat("\nset_property ", nameOf(scan), isTdo ? "_TDO {" : "_TDI {"));
   }
   printValue(*value, mask, pattern.length(), "Process data char ");
   output_.write(end);
@@ -157,7 +157,7 @@ void ScanWriter::printDataAndMask(const CTapPattern& pattern, bool isTdo, Keywor
   } else if (isScan) {
     output_.write(" -mask ");
   } else {
-    output_.write(cat("\nset_property ", nameOf(scan), "_TDO_mask {"));
+    output_.write(concat("\nset_property ", nameOf(scan), "_TDO_mask {"));
   }
   printValue(*mask, nullptr, pattern.length(), "Process mask data char ");
   output_.write(end);
@@ -176,7 +176,7 @@ void ScanWriter::printValue(const CTapField& data, const CTapField* mask, long l
   for (long top = value.digits() - 1; top >= 0;) {
     const long last = top - top % kTclProgress;
     tapforge::writeDigits(output_, bits, top, top - last + 1, HexCase::upper);
-    if (report_.wantsStatus()) report_.statusMsg(cat(progress, last), StatusStyle::rewind);
+    if (report_.wantsStatus()) report_.statusMsg(concat(progress, last), StatusStyle::rewind);
     top = last - 1;
   }
 }

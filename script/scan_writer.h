@@ -2,10 +2,10 @@
 #define TAPFORGE_SCRIPT_SCAN_WRITER_H
 
 #include "scan/composite.h"
+#include "script/script_vars.h"
 #include "script/script_writer.h"
-#include "script/vars.h"
-#include "shell/output_file.h"
-#include "shell/reporter.h"
+#include "shell/io/output_file.h"
+#include "shell/io/reporter.h"
 #include "svf/statements.h"
 
 namespace progmode_svf2tapbus {
@@ -23,7 +23,7 @@ using tapforge::RegisterPatterns;
 /// output, 64 to a line.
 class ScanWriter {
  public:
-  ScanWriter(const Vars& vars, OutputFile& output, ScriptWriter& script, Reporter& report)
+  ScanWriter(const ScriptVars& vars, OutputFile& output, ScriptWriter& script, Reporter& report)
       : vars_(vars), output_(output), script_(script), report_(report) {}
 
   /// Writes one statement from the patterns as they stand.
@@ -39,7 +39,7 @@ class ScanWriter {
   void printValue(const CTapField& data, const CTapField* mask, long length,
                   std::string_view progress);
 
-  const Vars& vars_;
+  const ScriptVars& vars_;
   OutputFile& output_;
   ScriptWriter& script_;
   Reporter& report_;

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace progmode_svf2tapbus {
 
-using tapforge::cat;
+using tapforge::concat;
 using tapforge::truncated;
 using namespace std::string_view_literals;
 
@@ -41,15 +41,17 @@ void ScriptWriter::writeLine() {
   sBufStatement_.clear();
 }
 
-void ScriptWriter::lineMarker(long line) { output_.write(cat("puts \"--- line ", line, "\"\n")); }
+void ScriptWriter::lineMarker(long line) {
+  output_.write(concat("puts \"--- line ", line, "\"\n"));
+}
 
 void ScriptWriter::endStateStatement(ScanRegister which, TapState state) {
   const std::string_view scan = which == ScanRegister::instruction ? "IR" : "DR";
   const std::string name = tapforge::toUpper(tapforge::getTapStateName(state));
   if (isTcl()) {
-    sBufStatement_ = cat("set_property ENDSTATE_", scan, " {", name, "} $current_tapbus");
+    sBufStatement_ = concat("set_property ENDSTATE_", scan, " {", name, "} $current_tapbus");
   } else {
-    sBufStatement_ = cat("END", scan, " ", name, " ;");
+    sBufStatement_ = concat("END", scan, " ", name, " ;");
   }
   writeStatement();
 }
@@ -68,13 +70,13 @@ void ScriptWriter::endOfState() {
 
 void ScriptWriter::frequency(float hertz) {
   sBufStatement_ = isTcl() ? "# FREQUENCY" : "FREQUENCY";
-  if (hertz > 0) sBufStatement_ += cat(" ", truncated(hertz), " Hz");
+  if (hertz > 0) sBufStatement_ += concat(" ", truncated(hertz), " Hz");
   sBufStatement_ += " ;";
   writeStatement();
 }
 
 void ScriptWriter::beginTrst(std::string_view modeAsWritten) {
-  sBufStatement_ = cat(isTcl() ? "# TRST " : "TRST ", modeAsWritten, " ;");
+  sBufStatement_ = concat(isTcl() ? "# TRST " : "TRST ", modeAsWritten, " ;");
 }
 
 void ScriptWriter::beginRunTest() { sBufStatement_ = isTcl() ? "runtest_tapbus"sv : "RUNTEST"sv; }
@@ -99,13 +101,13 @@ void ScriptWriter::minTime(float seconds) {
   if (isTcl()) {
     splitWait(truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
   } else {
-    sBufStatement_ += cat(" ", tapforge::shortExponent(seconds), " sec");
+    sBufStatement_ += concat(" ", tapforge::shortExponent(seconds), " sec");
   }
 }
 
 void ScriptWriter::maxTime(float seconds) {
   if (isTcl()) report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
-  sBufStatement_ += cat(" MAXIMUM ", tapforge::shortExponent(seconds), " sec");
+  sBufStatement_ += concat(" MAXIMUM ", tapforge::shortExponent(seconds), " sec");
 }
 
 void ScriptWriter::endState(std::string_view name) {
@@ -123,7 +125,7 @@ void ScriptWriter::endOfRunTest() {
 void ScriptWriter::splitWait(long clocks) {
   const long most = vars_.lGlobOptMaxRtiTck;
   while (clocks > most) {
-    sBufStatement_ += cat(" -tck ", most);
+    sBufStatement_ += concat(" -tck ", most);
     writeLine();
     sBufStatement_ = "runtest_tapbus";
     clocks -= most;

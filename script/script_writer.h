@@ -3,9 +3,9 @@
 
 #include <string_view>
 
+#include "script/script_vars.h"
 #include "script/statement_text.h"
-#include "script/vars.h"
-#include "shell/output_file.h"
+#include "shell/io/output_file.h"
 #include "svf/line_reader.h"
 #include "svf/runtest.h"
 #include "svf/state_statements.h"
@@ -19,13 +19,13 @@ using tapforge::TapState;
 /// Copies the comments of the source into the output, where they are met.
 class CommentCopier final : public CommentSink {
  public:
-  CommentCopier(const Vars& vars, OutputFile& output) : vars_(vars), output_(output) {}
+  CommentCopier(const ScriptVars& vars, OutputFile& output) : vars_(vars), output_(output) {}
   void beginComment(std::string_view text) override;
   void appendComment(std::string_view text) override { output_.write(text); }
   void endComment() override { output_.put('\n'); }
 
  private:
-  const Vars& vars_;
+  const ScriptVars& vars_;
   OutputFile& output_;
 };
 
@@ -35,7 +35,8 @@ class CommentCopier final : public CommentSink {
 /// at its end, so that a comment inside the statement comes out in front of it.
 class ScriptWriter final : public tapforge::RunTestSink {
  public:
-  ScriptWriter(const Vars& vars, OutputFile& output, const LineReader& source, Reporter& report)
+  ScriptWriter(const ScriptVars& vars, OutputFile& output, const LineReader& source,
+               Reporter& report)
       : vars_(vars), output_(output), source_(source), report_(report) {}
 
   void lineMarker(long line);
@@ -66,7 +67,7 @@ class ScriptWriter final : public tapforge::RunTestSink {
   void writeLine();
   void splitWait(long clocks);
 
-  const Vars& vars_;
+  const ScriptVars& vars_;
   OutputFile& output_;
   const LineReader& source_;
   Reporter& report_;

@@ -1,17 +1,17 @@
-#include "shell/driver.h"
 #include "shell/ksvf_options.h"
-#include "vector/dialect.h"
-#include "vector/process_svf.h"
+#include "shell/run_program.h"
+#include "vector/ksvf_loop.h"
+#include "vector/ksvf_traits.h"
 
 namespace progmode_svf2ksvf {
 
-using tapforge::cat;
+using tapforge::concat;
 
 int main_svf2ksvf(std::span<char*> arguments) {
   Reporter report(kDialect);
   tapforge::Shell shell(report);
-  return tapforge::runToEnd(shell, [&] {
-    Vars vars;
+  return tapforge::runProgram(shell, [&] {
+    KsvfVars vars;
     getCmdOptions(arguments, vars, shell);
     displayVersion(report);
     report.startClock();
@@ -19,7 +19,7 @@ int main_svf2ksvf(std::span<char*> arguments) {
     shell.iOverWritePrompt = false;
     shell.pFC_Output = tapforge::createFile(*shell.outputName, shell);
     for (std::size_t i = 1; i < shell.inputs.size(); ++i) {
-      report.warning(cat("Input file [", shell.inputs[i].name, "] is not converted"),
+      report.warning(concat("Input file [", shell.inputs[i].name, "] is not converted"),
                      tapforge::Where::nowhere);
     }
     tapforge::InputFile& input = shell.inputs.front();

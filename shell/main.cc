@@ -3,8 +3,8 @@
 #include <span>
 
 #include "shell/build_date.h"
-#include "shell/driver.h"
 #include "shell/prog_mode.h"
+#include "shell/run_program.h"
 
 namespace {
 

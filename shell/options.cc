@@ -27,25 +27,25 @@ std::optional<std::string> ArgCursor::fileName() {
 }
 
 void refuse(const Reporter& report, std::string_view text) {
-  refuseText(cat(report.dialect().toolName, ": ", text));
+  refuseText(concat(report.dialect().toolName, ": ", text));
 }
 
 void refuseText(std::string_view text) {
   std::fflush(stdout);
   std::fwrite(text.data(), 1, text.size(), stderr);
-  throw RunEnd{1};
+  throw ProgramEnd{1};
 }
 
 void warnInvalidNumber(std::string_view value, std::string_view option, Reporter& report) {
   const std::string_view word = option == "linenum" ? "" : " option";
-  report.warning(cat("invalid decimal number [", value, "] for -", option, word, "\n"),
+  report.warning(concat("invalid decimal number [", value, "] for -", option, word, "\n"),
                  Where::nowhere);
 }
 
 std::optional<int> numberValue(ArgCursor& args, std::string_view option, Reporter& report) {
   const std::optional<std::string> text = args.value();
   if (!text) {
-    report.warning(cat("expected a decimal number for \"-", option, "\"\n"), Where::nowhere);
+    report.warning(concat("expected a decimal number for \"-", option, "\"\n"), Where::nowhere);
     return std::nullopt;
   }
   char* end = nullptr;
@@ -71,7 +71,7 @@ long decimalArgument(ArgCursor& args, std::string_view missing, const Reporter& 
 
 std::string fileNameArgument(ArgCursor& args, std::string_view what, Reporter& report) {
   std::optional<std::string> name = args.value();
-  if (!name) report.fatal(cat("missing [", what, "] filename"), Where::nowhere);
+  if (!name) report.fatal(concat("missing [", what, "] filename"), Where::nowhere);
   return *std::move(name);
 }
 
@@ -103,7 +103,7 @@ std::unique_ptr<OutputFile> createFile(const std::string& name, Shell& shell) {
        {shell.pFC_Output.get(), shell.pFC_Ascii.get(), shell.pFC_Log.get()}) {
     taken = taken || (other != nullptr && sameRegularFile(other->name(), name));
   }
-  if (taken) shell.report.fileError(cat("[", name, "] is already written by this run"));
+  if (taken) shell.report.fileError(concat("[", name, "] is already written by this run"));
   const OpenMode mode = shell.iOverWritePrompt ? OpenMode::createAsking : OpenMode::create;
   return std::make_unique<OutputFile>(fileCheck(name, mode, shell.report), name, shell.report);
 }

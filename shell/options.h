@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "shell/files.h"
-#include "shell/output_file.h"
-#include "shell/reporter.h"
-#include "shell/text.h"
+#include "shell/io/files.h"
+#include "shell/io/output_file.h"
+#include "shell/io/reporter.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
 
@@ -153,11 +153,11 @@ constexpr Option<Vars> kKeyOption = {"z",
 template <typename Vars>
 void displayProgOptions(std::string_view heading, std::span<const Option<Vars>> table,
                         bool withInternal) {
-  std::string text = cat(heading, "\n", kRuleLine, "\n");
+  std::string text = concat(heading, "\n", kRuleLine, "\n");
   for (const Option<Vars>& option : table) {
     if (withInternal || !option.internal) text += option.help;
   }
-  text += cat(kRuleLine, "\n");
+  text += concat(kRuleLine, "\n");
   std::fwrite(text.data(), 1, text.size(), stdout);
 }
 

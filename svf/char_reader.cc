@@ -3,7 +3,7 @@
 #include <cstring>
 #include <utility>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/line_end.h"
 
 namespace progmode_svf2ksvf {
@@ -49,7 +49,7 @@ long CharReader::lineNumber() const {
 }
 
 std::string CharReader::positionText() const {
-  return tapforge::cat("\n[", name(), ": line ", lineNumber(), "]:[", lastItem(), "]");
+  return tapforge::concat("\n[", name(), ": line ", lineNumber(), "]:[", lastItem(), "]");
 }
 
 void CharReader::keepEcho(long maxLines) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/line_end.h"
 
 namespace progmode_svf2tapbus {
@@ -60,7 +60,7 @@ int LineReader::slash() {
   if (cur_ == end_ || *cur_ != '/') return '/';
   // The text of a comment is taken from one part of the line.
   if (behindCut) {
-    report_.fatal(tapforge::cat("[skCm] range[0 <= -1 <= ", end_ - lineBegin_, "]"),
+    report_.fatal(tapforge::concat("[skCm] range[0 <= -1 <= ", end_ - lineBegin_, "]"),
                   tapforge::Where::nowhere);
   }
   copyComment(cur_ - 1);
@@ -83,8 +83,8 @@ std::string_view LineReader::restOfLine() const { return view(cur_, end_); }
 
 std::string LineReader::positionText() const {
   const std::string_view line = currentLine();
-  std::string text = tapforge::cat("\nFile [", name(), "]\tLine ", lLineNum_, " (last item read [",
-                                   lastItem(), "]):\n", line, "\n");
+  std::string text = tapforge::concat("\nFile [", name(), "]\tLine ", lLineNum_,
+                                      " (last item read [", lastItem(), "]):\n", line, "\n");
   const auto column = static_cast<std::size_t>(tokenStart_ - lineBegin_);
   if (column >= line.size()) return text;
   for (const char c : line.substr(0, column)) text += c == '\t' ? '\t' : ' ';

@@ -4,7 +4,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {
@@ -39,7 +39,7 @@ void readPioMap(Run& run) {
     const std::string_view name = run.lexer.token();
     if (run.lexer.type() != TokenType::word) run.report.fatal(kMapFormat);
     if (!names.emplace(name).second) {
-      run.report.warning(cat("[", name, "] already defined"), Where::nowhere);
+      run.report.warning(concat("[", name, "] already defined"), Where::nowhere);
       run.report.fatal("Invalid PIOMAP data");
     }
   }
@@ -63,7 +63,7 @@ void readPio(Run& run) {
       run.report.fatal("Unexpected PIO char");
     }
     if (pin == map.size()) {
-      run.report.fatal(cat("PIO char count != count in last PIOMAP (", map.size(), ")"));
+      run.report.fatal(concat("PIO char count != count in last PIOMAP (", map.size(), ")"));
     }
     checkPin(value, map[pin++], run.report);
   }

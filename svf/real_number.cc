@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {

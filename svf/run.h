@@ -2,7 +2,7 @@
 #define TAPFORGE_SVF_RUN_H
 
 #include "scan/tap_obj.h"
-#include "shell/reporter.h"
+#include "shell/io/reporter.h"
 #include "svf/tokens.h"
 
 namespace tapforge {

@@ -1,6 +1,6 @@
 #include "svf/runtest.h"
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
 namespace {
@@ -89,8 +89,8 @@ class RunTestReader {
     const float maximum = tap_.fMaxTime;
     if (!(maximum >= 0)) return;
     if (tap_.fMinTime >= maximum) {
-      report_.fatal(cat("Min time (", shortExponent(tap_.fMinTime), ") > Max time (",
-                        shortExponent(maximum), ")"));
+      report_.fatal(concat("Min time (", shortExponent(tap_.fMinTime), ") > Max time (",
+                           shortExponent(maximum), ")"));
     }
     if (!(tap_.fRunCount >= 0)) return;
     if (tap_.fTckFreq < 0) {
@@ -100,9 +100,9 @@ class RunTestReader {
     }
     const float time = tap_.fRunCount / tap_.fTckFreq;
     if (time > maximum) {
-      report_.fatal(cat(shortExponent(time), " (Run count ", shortExponent(tap_.fRunCount), "/",
-                        shortExponent(tap_.fTckFreq), " Hz) > max (", shortExponent(maximum),
-                        ") sec"));
+      report_.fatal(concat(shortExponent(time), " (Run count ", shortExponent(tap_.fRunCount), "/",
+                           shortExponent(tap_.fTckFreq), " Hz) > max (", shortExponent(maximum),
+                           ") sec"));
     }
   }
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "shell/files.h"
-#include "shell/reporter.h"
+#include "shell/io/files.h"
+#include "shell/io/reporter.h"
 
 namespace tapforge {
 

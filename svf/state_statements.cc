@@ -1,6 +1,6 @@
 #include "svf/state_statements.h"
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
 
@@ -20,7 +20,7 @@ void checkFinalState(TapState state, Run& run) {
   if (state == TapState::unknown) run.report.warning("GTSN: TAPstate ?", Where::nowhere);
   if (state != TapState::unknown && isStable(state)) return;
   run.report.fatal(
-      cat("[", getTapStateName(state), "]: stable state must be RESET/IDLE/DRPAUSE/IRPAUSE"));
+      concat("[", getTapStateName(state), "]: stable state must be RESET/IDLE/DRPAUSE/IRPAUSE"));
 }
 
 }  // namespace tapforge

@@ -1,6 +1,6 @@
 #include "svf/statements.h"
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {
@@ -46,7 +46,7 @@ void storeScan(CTapPattern& pattern, const ScanData& data, Run& run) {
 
 bool skipUnknown(Run& run) {
   if (isSpace(static_cast<unsigned char>(run.lexer.token().front()))) return true;
-  run.report.warning(cat("Unknown SVF keyword [", run.lexer.token(), "]"));
+  run.report.warning(concat("Unknown SVF keyword [", run.lexer.token(), "]"));
   run.lexer.skipUntil(";");
   return false;
 }

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
 namespace {
@@ -57,7 +57,7 @@ bool isStable(TapState state) {
 TapState checkTapState(StateUse use, std::string_view message, Lexer& lexer) {
   const TapState state = tapStateNamed(lexer.token());
   if (state == TapState::unknown || (use == StateUse::stable && !isStable(state))) {
-    lexer.report().fatal(cat("[", lexer.token(), "]: ", message));
+    lexer.report().fatal(concat("[", lexer.token(), "]: ", message));
   }
   return state;
 }

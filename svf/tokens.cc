@@ -4,7 +4,7 @@
 #include <charconv>
 #include <limits>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 #include "svf/word_scan.h"
 
@@ -138,12 +138,12 @@ void Lexer::getLongWord(bool digitLed) {
 
 void Lexer::tooLong(bool digitLed) {
   if (digitLed) report_.fatal(report_.dialect().numberTooLong);
-  report_.fatal(cat("token exceeds ", kWordLimit, " characters"));
+  report_.fatal(concat("token exceeds ", kWordLimit, " characters"));
 }
 
 void Lexer::tokenMissing(std::string_view keyword) {
   const Dialect& dialect = report_.dialect();
-  report_.fatal(cat(dialect.tokenMissing[0], keyword, dialect.tokenMissing[1]));
+  report_.fatal(concat(dialect.tokenMissing[0], keyword, dialect.tokenMissing[1]));
 }
 
 long decimalValue(std::string_view digits) {

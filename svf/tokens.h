@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "shell/reporter.h"
+#include "shell/io/reporter.h"
 #include "svf/source_reader.h"
 
 namespace tapforge {

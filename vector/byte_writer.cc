@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "scan/hex_output.h"
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace progmode_svf2ksvf {
 namespace {
@@ -29,7 +29,7 @@ std::string_view nameOf(Command command) { return kNames[static_cast<std::size_t
 
 void ByteWriter::operand(Command code, long number, int digits) {
   if (number < 0 || number >> (4 * digits) != 0) {
-    report_.warning(tapforge::cat(nameOf(code), " operand ", number, " does not fit"),
+    report_.warning(tapforge::concat(nameOf(code), " operand ", number, " does not fit"),
                     tapforge::Where::nowhere);
   }
   binWrite(number, digits);

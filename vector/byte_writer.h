@@ -6,11 +6,11 @@
 #include <string_view>
 
 #include "scan/composite.h"
-#include "shell/output_file.h"
-#include "shell/reporter.h"
+#include "shell/io/output_file.h"
+#include "shell/io/reporter.h"
 #include "svf/char_reader.h"
 #include "svf/tap_state.h"
-#include "vector/vars.h"
+#include "vector/ksvf_vars.h"
 
 namespace progmode_svf2ksvf {
 
@@ -62,7 +62,7 @@ struct VectorBits {
 class ByteWriter {
  public:
   /// `listing` may be null. Both files are the caller's.
-  ByteWriter(const Vars& vars, OutputFile& output, OutputFile* listing, Reporter& report)
+  ByteWriter(const KsvfVars& vars, OutputFile& output, OutputFile* listing, Reporter& report)
       : vars_(vars), output_(output), pFC_Ascii_(listing), report_(report) {}
 
   void command(Command code) { output_.put(static_cast<char>(code)); }
@@ -102,7 +102,7 @@ class ByteWriter {
  private:
   void listAnyNumber(Command code, long value, int width, std::string_view end);
 
-  const Vars& vars_;
+  const KsvfVars& vars_;
   OutputFile& output_;
   OutputFile* pFC_Ascii_;
   Reporter& report_;

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <span>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace progmode_svf2ksvf {
 namespace {
 
 using enum tapforge::TapState;
-using tapforge::cat;
+using tapforge::concat;
 using tapforge::Where;
 
 // The ways between the stable states, without their start. A way from a pause
@@ -60,7 +60,8 @@ void MoveWriter::doState() {
       tapforge::checkTapState(tapforge::StateUse::stable, "invalid stable state", run_.lexer);
       doStableState(previous, state);
     } else {
-      run_.report.fatal(cat("Invalid pathstate from state ", tapforge::getTapStateName(previous)));
+      run_.report.fatal(
+          concat("Invalid pathstate from state ", tapforge::getTapStateName(previous)));
     }
     previous = state;
     first = false;
@@ -112,13 +113,14 @@ float MoveWriter::countOfTime(const tapforge::Number& time, std::string_view uni
     run_.report.fatal("Delay must be in terms of TCK count", Where::nowhere);
   }
   run_.report.warning(
-      cat("Converting delay to equivalent TCK count using tck_freq = ", frequency, " Hz"),
+      concat("Converting delay to equivalent TCK count using tck_freq = ", frequency, " Hz"),
       Where::nowhere);
   const bool whole = time.kind == tapforge::Number::Kind::integer;
   const long clocks = whole ? tapforge::saturatedProduct(time.integer, frequency)
                             : tapforge::truncated(time.real * static_cast<float>(frequency));
-  run_.report.warning(cat("=> ", whole ? std::to_string(time.integer) : std::to_string(time.real),
-                          " ", unit, " to ", clocks, " TCKs"));
+  run_.report.warning(concat("=> ",
+                             whole ? std::to_string(time.integer) : std::to_string(time.real), " ",
+                             unit, " to ", clocks, " TCKs"));
   return static_cast<float>(clocks);
 }
 
@@ -140,8 +142,8 @@ void MoveWriter::doRunTest() {
     const long waitState = static_cast<long>(run_.tap.iRunState);
     const long endState = static_cast<long>(run_.tap.iRunEndState);
     bytes_.listNumber(Command::KWAIT, waitState, 2, " 0x");
-    bytes_.list(cat(tapforge::paddedHex(static_cast<std::uint32_t>(endState), 2, true), " 0x",
-                    tapforge::paddedHex(static_cast<std::uint32_t>(count), 8, true), "\n"));
+    bytes_.list(concat(tapforge::paddedHex(static_cast<std::uint32_t>(endState), 2, true), " 0x",
+                       tapforge::paddedHex(static_cast<std::uint32_t>(count), 8, true), "\n"));
     bytes_.commandWith(Command::KWAIT, waitState, 2);
     bytes_.binWrite(endState, 2);
     bytes_.operand(Command::KWAIT, count, 8);

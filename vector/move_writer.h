@@ -5,8 +5,8 @@
 #include "svf/runtest.h"
 #include "svf/state_statements.h"
 #include "vector/byte_writer.h"
+#include "vector/ksvf_vars.h"
 #include "vector/scan_writer.h"
-#include "vector/vars.h"
 
 namespace progmode_svf2ksvf {
 
@@ -18,7 +18,7 @@ using tapforge::ScanRegister;
 /// that the format wants.
 class MoveWriter final : private tapforge::RunTestSink {
  public:
-  MoveWriter(const Vars& vars, Run& run, ByteWriter& bytes, ScanWriter& scans)
+  MoveWriter(const KsvfVars& vars, Run& run, ByteWriter& bytes, ScanWriter& scans)
       : vars_(vars), run_(run), bytes_(bytes), scans_(scans) {}
 
   void doState();
@@ -37,7 +37,7 @@ class MoveWriter final : private tapforge::RunTestSink {
   long readRunCount();
   float countOfTime(const tapforge::Number& time, std::string_view unit) override;
 
-  const Vars& vars_;
+  const KsvfVars& vars_;
   Run& run_;
   ByteWriter& bytes_;
   ScanWriter& scans_;

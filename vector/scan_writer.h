@@ -4,7 +4,7 @@
 #include "scan/tap_obj.h"
 #include "svf/statements.h"
 #include "vector/byte_writer.h"
-#include "vector/vars.h"
+#include "vector/ksvf_vars.h"
 
 namespace progmode_svf2ksvf {
 
@@ -26,7 +26,7 @@ enum class RunCount { reset, keep };
 /// count written. They depend on what was written, never on what was read.
 class ScanWriter {
  public:
-  ScanWriter(const Vars& vars, ByteWriter& bytes, CTapObj& tap, Reporter& report)
+  ScanWriter(const KsvfVars& vars, ByteWriter& bytes, CTapObj& tap, Reporter& report)
       : vars_(vars), bytes_(bytes), tap_(tap), report_(report) {}
 
   /// Takes note of a scan statement whose pattern has just been stored.
@@ -65,7 +65,7 @@ class ScanWriter {
   bool isLastMask(const CompositeScan& mask) const;
   void keepMask(const CompositeScan& mask);
 
-  const Vars& vars_;
+  const KsvfVars& vars_;
   ByteWriter& bytes_;
   CTapObj& tap_;
   Reporter& report_;

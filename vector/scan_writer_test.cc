@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "tests/support/in_memory.h"
 
 namespace progmode_svf2ksvf {
@@ -13,7 +13,7 @@ using tapforge::testing::toKsvf;
 
 // The commands of a listing without their operands, but for run counts, sizes
 // and states: enough to see which goes where.
-std::string commands(std::string_view svf, Vars vars = {.lFpgaRecSize = 128}) {
+std::string commands(std::string_view svf, KsvfVars vars = {.lFpgaRecSize = 128}) {
   std::string listing = toKsvf(svf, vars).listing;
   std::string text;
   for (std::size_t at = 0; at < listing.size();) {
@@ -62,7 +62,7 @@ TEST(ScanWriter, RunCountsOfStatementSequences) {
 }
 
 TEST(ScanWriter, HeldBackEndStates) {
-  Vars vars{.iOptMinKstateUsage = false, .iKsvfExt = true};
+  KsvfVars vars{.iOptMinKstateUsage = false, .iKsvfExt = true};
   vars.lFpgaRecSize = 128;
   EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars), "RUNTEST7 SDRSIZE8 SDRTDO ENDDR");
   EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kSdr, vars),
@@ -74,7 +74,7 @@ TEST(ScanWriter, HeldBackEndStates) {
 
 TEST(ScanWriter, CutsLongScansIntoRecords) {
   const auto records = [](long bits) {
-    return commands(tapforge::cat("SDR ", bits, " TDI (0);"),
+    return commands(tapforge::concat("SDR ", bits, " TDI (0);"),
                     {.iFpgaFormat = true, .lFpgaRecSize = 128});
   };
   EXPECT_EQ(records(128), "SDRSIZE128 RUNTEST0 SDRTDO");
@@ -103,7 +103,7 @@ TEST(ScanWriter, WritesAMaskOnlyWhenItsLeadingDigitsDiffer) {
 
 TEST(ByteWriter, PacksVectorsIntoWholeBytes) {
   const auto instruction = [](long bits, std::string_view tdi) {
-    const std::string svf = tapforge::cat("SIR ", bits, " TDI (", tdi, ");");
+    const std::string svf = tapforge::concat("SIR ", bits, " TDI (", tdi, ");");
     const std::string output = toKsvf(svf).output;
     // KREPEAT and KRUNTEST stand in front, KCOMPLETE behind.
     std::string hex;
@@ -117,8 +117,9 @@ TEST(ByteWriter, PacksVectorsIntoWholeBytes) {
   EXPECT_EQ(instruction(5, "1f"), "02051f");
   EXPECT_EQ(instruction(9, "1ff"), "020901ff");
   EXPECT_EQ(instruction(12, "abc"), "020c0abc");
-  EXPECT_EQ(instruction(255, std::string(64, '7')), tapforge::cat("02ff", std::string(64, '7')));
-  EXPECT_EQ(instruction(256, std::string(64, 'a')), tapforge::cat("150100", std::string(64, 'a')));
+  EXPECT_EQ(instruction(255, std::string(64, '7')), tapforge::concat("02ff", std::string(64, '7')));
+  EXPECT_EQ(instruction(256, std::string(64, 'a')),
+            tapforge::concat("150100", std::string(64, 'a')));
   EXPECT_EQ(instruction(68, "123456789abcdef01"), "02440123456789abcdef01");
 }
 

@@ -6,12 +6,12 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "script/dialect.h"
-#include "script/process_svf.h"
+#include "script/script_loop.h"
+#include "script/script_traits.h"
 #include "script/script_writer.h"
-#include "shell/output_file.h"
-#include "vector/dialect.h"
-#include "vector/process_svf.h"
+#include "shell/io/output_file.h"
+#include "vector/ksvf_loop.h"
+#include "vector/ksvf_traits.h"
 
 namespace tapforge::testing {
 namespace {
@@ -51,7 +51,7 @@ class MemoryFile {
 
 }  // namespace
 
-Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) {
+Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
   RecordingReporter report(progmode_svf2tapbus::kDialect);
   MemoryFile input(svf);
   MemoryFile output;
@@ -61,7 +61,7 @@ Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) 
     progmode_svf2tapbus::CommentCopier comments(vars, outputFile);
     progmode_svf2tapbus::LineReader source(input.open(), "input", report, comments);
     converted.good = processSVF(vars, source, outputFile, report);
-  } catch (const RunEnd&) {
+  } catch (const ProgramEnd&) {
   }
   outputFile.close();
   converted.output = output.text();
@@ -70,7 +70,7 @@ Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) 
   return converted;
 }
 
-Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars) {
+Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::KsvfVars& vars) {
   RecordingReporter report(progmode_svf2ksvf::kDialect);
   MemoryFile input(svf);
   MemoryFile output;
@@ -81,7 +81,7 @@ Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars) {
   try {
     progmode_svf2ksvf::CharReader source(input.open(), "input", report);
     converted.good = processSVF(vars, source, outputFile, &listingFile, report);
-  } catch (const RunEnd&) {
+  } catch (const ProgramEnd&) {
   }
   outputFile.close();
   listingFile.close();

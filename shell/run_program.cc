@@ -1,4 +1,4 @@
-#include "shell/driver.h"
+#include "shell/run_program.h"
 
 #include <new>
 
@@ -13,7 +13,7 @@ std::optional<int> endedBy(Reporter& report, const std::function<void()>& step) 
     } catch (const std::bad_alloc&) {
       report.nullPtrChk(false, "memory");
     }
-  } catch (const RunEnd& end) {
+  } catch (const ProgramEnd& end) {
     if (end.status != 0) report.beginEnd();
     return end.status;
   }
@@ -30,7 +30,7 @@ void closeOutputs(Shell& shell) {
 
 const std::string_view kCopyright = "Copyright (c) 2026 Ondrel. All rights reserved.";
 
-int runToEnd(Shell& shell, const std::function<bool()>& conversion) {
+int runProgram(Shell& shell, const std::function<bool()>& conversion) {
   bool good = false;
   const auto ended = endedBy(shell.report, [&] {
     good = conversion();

@@ -1,11 +1,11 @@
-#include "shell/output_file.h"
+#include "shell/io/output_file.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <utility>
 
-#include "shell/reporter.h"
+#include "shell/io/reporter.h"
 
 namespace tapforge {
 

@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_OUTPUT_FILE_H
-#define TAPFORGE_SHELL_OUTPUT_FILE_H
+#ifndef TAPFORGE_SHELL_IO_OUTPUT_FILE_H
+#define TAPFORGE_SHELL_IO_OUTPUT_FILE_H
 
 #include <cstddef>
 #include <cstring>
@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/files.h"
+#include "shell/io/files.h"
 
 namespace tapforge {
 
@@ -73,4 +73,4 @@ class OutputFile {
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_OUTPUT_FILE_H
+#endif  // TAPFORGE_SHELL_IO_OUTPUT_FILE_H

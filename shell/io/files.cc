@@ -1,10 +1,10 @@
-#include "shell/files.h"
+#include "shell/io/files.h"
 
 #include <filesystem>
 #include <system_error>
 
-#include "shell/reporter.h"
-#include "shell/text.h"
+#include "shell/io/reporter.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
 namespace {
@@ -20,15 +20,15 @@ void skipLine() {
 
 FilePtr fileCheck(const std::string& name, OpenMode mode, Reporter& report) {
   if (mode == OpenMode::createAsking && fileExists(name)) {
-    const char answer = getResponse(cat("[", name, "] exists; Overwrite or Exit (o/e)? "), "OE",
+    const char answer = getResponse(concat("[", name, "] exists; Overwrite or Exit (o/e)? "), "OE",
                                     'E', report.dialect().emptyAnswerTakesNext);
-    if (answer != 'O') throw RunEnd{1};
+    if (answer != 'O') throw ProgramEnd{1};
   }
   FilePtr file(std::fopen(name.c_str(), mode == OpenMode::read ? "rb" : "wb"));
   std::error_code ignored;
   // A directory opens for reading but gives no characters.
   if (file == nullptr || (mode == OpenMode::read && std::filesystem::is_directory(name, ignored))) {
-    report.fileError(cat("cannot open [", name, "]"));
+    report.fileError(concat("cannot open [", name, "]"));
   }
   return file;
 }

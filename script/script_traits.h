@@ -1,7 +1,7 @@
-#ifndef TAPFORGE_SCRIPT_DIALECT_H
-#define TAPFORGE_SCRIPT_DIALECT_H
+#ifndef TAPFORGE_SCRIPT_SCRIPT_TRAITS_H
+#define TAPFORGE_SCRIPT_SCRIPT_TRAITS_H
 
-#include "shell/dialect.h"
+#include "shell/io/dialect.h"
 
 namespace progmode_svf2tapbus {
 
@@ -27,4 +27,4 @@ inline constexpr tapforge::Dialect kDialect = {
 
 }  // namespace progmode_svf2tapbus
 
-#endif  // TAPFORGE_SCRIPT_DIALECT_H
+#endif  // TAPFORGE_SCRIPT_SCRIPT_TRAITS_H

@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_DIALECT_H
-#define TAPFORGE_SHELL_DIALECT_H
+#ifndef TAPFORGE_SHELL_IO_DIALECT_H
+#define TAPFORGE_SHELL_IO_DIALECT_H
 
 #include <string_view>
 
@@ -37,4 +37,4 @@ struct Dialect {
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_DIALECT_H
+#endif  // TAPFORGE_SHELL_IO_DIALECT_H

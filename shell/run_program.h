@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_DRIVER_H
-#define TAPFORGE_SHELL_DRIVER_H
+#ifndef TAPFORGE_SHELL_RUN_PROGRAM_H
+#define TAPFORGE_SHELL_RUN_PROGRAM_H
 
 #include <functional>
 #include <span>
@@ -13,10 +13,10 @@ namespace tapforge {
 extern const std::string_view kCopyright;
 
 /// Runs a mode from its options to its exit status: `conversion` returns
-/// whether all went well, or ends early by RunEnd. Afterwards every file has
+/// whether all went well, or ends early by ProgramEnd. Afterwards every file has
 /// been flushed and closed, and whatever could not be written has been
 /// reported and made the status 1.
-int runToEnd(Shell& shell, const std::function<bool()>& conversion);
+int runProgram(Shell& shell, const std::function<bool()>& conversion);
 
 }  // namespace tapforge
 
@@ -31,4 +31,4 @@ namespace progmode_svf2ksvf {
 int main_svf2ksvf(std::span<char*> arguments);
 }
 
-#endif  // TAPFORGE_SHELL_DRIVER_H
+#endif  // TAPFORGE_SHELL_RUN_PROGRAM_H

@@ -1,10 +1,10 @@
-#include "shell/reporter.h"
+#include "shell/io/reporter.h"
 
 #include <array>
 #include <cstdio>
 
-#include "shell/output_file.h"
-#include "shell/text.h"
+#include "shell/io/output_file.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
 namespace {
@@ -33,7 +33,7 @@ std::string twoDigits(long value) {
 }  // namespace
 
 void Reporter::errHandler(Level level, std::string_view text, Where where) {
-  std::string message = cat("\n", prefixOf(level), text.substr(0, kMaxMessage));
+  std::string message = concat("\n", prefixOf(level), text.substr(0, kMaxMessage));
   if (where == Where::input && input_ != nullptr) message += input_->positionText();
   // Standard output first: when the log cannot take the message either, the
   // user has still seen it.
@@ -47,18 +47,18 @@ void Reporter::errHandler(Level level, std::string_view text, Where where) {
 
 void Reporter::fatal(std::string_view text, Where where) {
   errHandler(Level::error, text, where);
-  throw RunEnd{1};  // not reached: errHandler does not return from an error
+  throw ProgramEnd{1};  // not reached: errHandler does not return from an error
 }
 
 void Reporter::fileError(std::string_view text) {
-  fatal(cat("(", dialect_.toolName, ") ", text), Where::nowhere);
+  fatal(concat("(", dialect_.toolName, ") ", text), Where::nowhere);
 }
 
 void Reporter::chkFileErr(std::string_view fileName) {
-  const std::string text = cat(fileName, " file error");
+  const std::string text = concat(fileName, " file error");
   if (!ending_) fatal(text, Where::nowhere);
   const std::string message =
-      cat("\n", prefixOf(Level::error), std::string_view(text).substr(0, kMaxMessage));
+      concat("\n", prefixOf(Level::error), std::string_view(text).substr(0, kMaxMessage));
   print(message);
   toLog(message);
 }
@@ -67,7 +67,7 @@ void Reporter::statusMsg(std::string_view text, StatusStyle style, bool toScreen
   const bool lineBefore = style == StatusStyle::newLine || style == StatusStyle::ownLine;
   const bool lineAfter = style == StatusStyle::ownLine || style == StatusStyle::line;
   if (toLogFile && log_ != nullptr) {
-    toLog(cat(lineBefore ? "\n" : "", text, lineAfter ? "\n" : ""));
+    toLog(concat(lineBefore ? "\n" : "", text, lineAfter ? "\n" : ""));
   }
   if (!toScreen || !screenOn_) return;
   std::string line;
@@ -92,9 +92,10 @@ void Reporter::finishClock() {
     return;
   }
   const auto seconds = static_cast<long>(std::difftime(now, t_TimeStart));
-  statusMsg(cat(dialect_.elapsedLead, twoDigits(seconds / 3600), ":",
-                twoDigits(seconds % 3600 / 60), ":", twoDigits(seconds % 60), dialect_.elapsedTail),
-            StatusStyle::line);
+  statusMsg(
+      concat(dialect_.elapsedLead, twoDigits(seconds / 3600), ":", twoDigits(seconds % 3600 / 60),
+             ":", twoDigits(seconds % 60), dialect_.elapsedTail),
+      StatusStyle::line);
 }
 
 void Reporter::showDateTime(std::string_view label, std::time_t now) {
@@ -103,7 +104,7 @@ void Reporter::showDateTime(std::string_view label, std::time_t now) {
     // The layout of ctime without its line end.
     std::strftime(text.data(), text.size(), "%a %b %e %H:%M:%S %Y", local);
   }
-  statusMsg(cat(label, ": ", text.data()), StatusStyle::ownLine);
+  statusMsg(concat(label, ": ", text.data()), StatusStyle::ownLine);
 }
 
 void Reporter::toLog(std::string_view text) {

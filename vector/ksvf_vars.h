@@ -1,12 +1,12 @@
-#ifndef TAPFORGE_VECTOR_VARS_H
-#define TAPFORGE_VECTOR_VARS_H
+#ifndef TAPFORGE_VECTOR_KSVF_VARS_H
+#define TAPFORGE_VECTOR_KSVF_VARS_H
 
 #include <string>
 
 namespace progmode_svf2ksvf {
 
 /// The options of mode 1, with their defaults.
-struct Vars {
+struct KsvfVars {
   bool iFpgaFormat = false;        // -fpga: long data scans are cut into records
   bool iSvfCompress = false;       // -nc: accepted; repeats are suppressed all the same
   long lFpgaRecSize = -1;          // -rlen: record length in bits; below 0 not given
@@ -29,4 +29,4 @@ struct Vars {
 
 }  // namespace progmode_svf2ksvf
 
-#endif  // TAPFORGE_VECTOR_VARS_H
+#endif  // TAPFORGE_VECTOR_KSVF_VARS_H

@@ -1,4 +1,4 @@
-#include "script/process_svf.h"
+#include "script/script_loop.h"
 
 #include "scan/scan_statement.h"
 #include "script/scan_writer.h"
@@ -58,7 +58,7 @@ void doScan(Keyword scan, Run& run, ScanWriter& writer) {
 
 }  // namespace
 
-bool processSVF(const Vars& vars, LineReader& source, OutputFile& output, Reporter& report) {
+bool processSVF(const ScriptVars& vars, LineReader& source, OutputFile& output, Reporter& report) {
   Run run(source, report);
   ScriptWriter script(vars, output, source, report);
   ScanWriter scans(vars, output, script, report);

@@ -1,4 +1,4 @@
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#ifndef TAPFORGE_VECTOR_DIALECT_H
-#define TAPFORGE_VECTOR_DIALECT_H
+#ifndef TAPFORGE_VECTOR_KSVF_TRAITS_H
+#define TAPFORGE_VECTOR_KSVF_TRAITS_H
 
-#include "shell/dialect.h"
+#include "shell/io/dialect.h"
 
 namespace progmode_svf2ksvf {
 
@@ -31,4 +31,4 @@ inline constexpr tapforge::Dialect kDialect = {
 
 }  // namespace progmode_svf2ksvf
 
-#endif  // TAPFORGE_VECTOR_DIALECT_H
+#endif  // TAPFORGE_VECTOR_KSVF_TRAITS_H

@@ -1,4 +1,4 @@
-#include "vector/process_svf.h"
+#include "vector/ksvf_loop.h"
 
 #include "scan/scan_statement.h"
 #include "svf/clock_statements.h"
@@ -15,7 +15,7 @@ namespace {
 /// stand.
 class StatementLoop final : private CommentSink {
  public:
-  StatementLoop(const Vars& vars, CharReader& source, OutputFile& output, OutputFile* listing,
+  StatementLoop(const KsvfVars& vars, CharReader& source, OutputFile& output, OutputFile* listing,
                 Reporter& report)
       : vars_(vars),
         source_(source),
@@ -137,7 +137,7 @@ class StatementLoop final : private CommentSink {
     if (wasPending) scans_.setRunTestFlag(false);
   }
 
-  const Vars& vars_;
+  const KsvfVars& vars_;
   CharReader& source_;
   Run run_;
   ByteWriter bytes_;
@@ -147,7 +147,7 @@ class StatementLoop final : private CommentSink {
 
 }  // namespace
 
-bool processSVF(const Vars& vars, CharReader& source, OutputFile& output, OutputFile* listing,
+bool processSVF(const KsvfVars& vars, CharReader& source, OutputFile& output, OutputFile* listing,
                 Reporter& report) {
   return StatementLoop(vars, source, output, listing, report).processSVF();
 }

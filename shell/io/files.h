@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_FILES_H
-#define TAPFORGE_SHELL_FILES_H
+#ifndef TAPFORGE_SHELL_IO_FILES_H
+#define TAPFORGE_SHELL_IO_FILES_H
 
 #include <cstdio>
 #include <memory>
@@ -40,4 +40,4 @@ char getResponse(std::string_view prompt, std::string_view allowed, char atEnd,
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_FILES_H
+#endif  // TAPFORGE_SHELL_IO_FILES_H

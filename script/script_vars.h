@@ -1,10 +1,10 @@
-#ifndef TAPFORGE_SCRIPT_VARS_H
-#define TAPFORGE_SCRIPT_VARS_H
+#ifndef TAPFORGE_SCRIPT_SCRIPT_VARS_H
+#define TAPFORGE_SCRIPT_SCRIPT_VARS_H
 
 namespace progmode_svf2tapbus {
 
 /// The options of mode 0, with their defaults.
-struct Vars {
+struct ScriptVars {
   bool iSvfSyntaxCheck = false;    // -c: scans unmerged
   bool iGlobOutFormat = false;     // -tapbus: a Tcl script instead of SVF
   bool iSkipTdoTest = false;       // -s: no expected values
@@ -16,4 +16,4 @@ struct Vars {
 
 }  // namespace progmode_svf2tapbus
 
-#endif  // TAPFORGE_SCRIPT_VARS_H
+#endif  // TAPFORGE_SCRIPT_SCRIPT_VARS_H

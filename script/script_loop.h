@@ -1,9 +1,9 @@
-#ifndef TAPFORGE_SCRIPT_PROCESS_SVF_H
-#define TAPFORGE_SCRIPT_PROCESS_SVF_H
+#ifndef TAPFORGE_SCRIPT_SCRIPT_LOOP_H
+#define TAPFORGE_SCRIPT_SCRIPT_LOOP_H
 
-#include "script/vars.h"
-#include "shell/output_file.h"
-#include "shell/reporter.h"
+#include "script/script_vars.h"
+#include "shell/io/output_file.h"
+#include "shell/io/reporter.h"
 #include "svf/line_reader.h"
 
 namespace progmode_svf2tapbus {
@@ -11,9 +11,9 @@ namespace progmode_svf2tapbus {
 /// The statement loop of mode 0: reads the source to its end and writes each
 /// statement as soon as it has been read. False when a keyword was unknown;
 /// its statement is then missing in the output.
-bool processSVF(const Vars& vars, LineReader& source, tapforge::OutputFile& output,
+bool processSVF(const ScriptVars& vars, LineReader& source, tapforge::OutputFile& output,
                 Reporter& report);
 
 }  // namespace progmode_svf2tapbus
 
-#endif  // TAPFORGE_SCRIPT_PROCESS_SVF_H
+#endif  // TAPFORGE_SCRIPT_SCRIPT_LOOP_H

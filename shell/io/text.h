@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_TEXT_H
-#define TAPFORGE_SHELL_TEXT_H
+#ifndef TAPFORGE_SHELL_IO_TEXT_H
+#define TAPFORGE_SHELL_IO_TEXT_H
 
 #include <cstdint>
 #include <string>
@@ -11,7 +11,7 @@ namespace tapforge {
 /// Joins texts and integers (decimal) into one string. Messages are built with
 /// it, so no text from a file or a command line is ever used as a format.
 template <typename... Pieces>
-std::string cat(const Pieces&... pieces) {
+std::string concat(const Pieces&... pieces) {
   std::string text;
   auto append = [&text](const auto& piece) {
     if constexpr (std::is_same_v<std::decay_t<decltype(piece)>, char>) {
@@ -42,4 +42,4 @@ std::string toUpper(std::string_view text);
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_TEXT_H
+#endif  // TAPFORGE_SHELL_IO_TEXT_H

@@ -1,11 +1,11 @@
-#ifndef TAPFORGE_SHELL_REPORTER_H
-#define TAPFORGE_SHELL_REPORTER_H
+#ifndef TAPFORGE_SHELL_IO_REPORTER_H
+#define TAPFORGE_SHELL_IO_REPORTER_H
 
 #include <ctime>
 #include <string>
 #include <string_view>
 
-#include "shell/dialect.h"
+#include "shell/io/dialect.h"
 
 namespace tapforge {
 
@@ -37,7 +37,7 @@ class InputPosition {
 /// Thrown by the last step of a fatal message and by every other early end of
 /// the run; `main` turns it into the exit status. Unwinding frees what the run
 /// owns.
-struct RunEnd {
+struct ProgramEnd {
   int status;
 };
 
@@ -95,7 +95,7 @@ class Reporter {
   /// The last steps, replaceable so that tests stay in one process.
   virtual void print(std::string_view text);
   virtual void printStatus(std::string_view text);
-  [[noreturn]] virtual void finishRun() { throw RunEnd{1}; }
+  [[noreturn]] virtual void finishRun() { throw ProgramEnd{1}; }
 
  private:
   void toLog(std::string_view text);
@@ -111,4 +111,4 @@ class Reporter {
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_REPORTER_H
+#endif  // TAPFORGE_SHELL_IO_REPORTER_H
