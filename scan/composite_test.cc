@@ -13,7 +13,7 @@ namespace {
 // A pattern with random bits for SMASK or without an SMASK, which stands for 1s,
 // and the same bits as text, the last one first.
 std::string randomPattern(CTapPattern& pattern, long length, bool given, std::mt19937& random) {
-  static Reporter report(progmode_svf2tapbus::kDialect);
+  static Reporter report(progmode_svf2tapbus::kMessageStyle);
   std::string bits;
   CTapField& field = pattern.storage(ScanValue::smask);
   if (length > 0) field.initTapField(length, report);
@@ -53,7 +53,7 @@ TEST(CompositeScan, JoinsBitByBit) {
 }
 
 TEST(CTapField, TurnsItsRowInPlace) {
-  Reporter report(progmode_svf2tapbus::kDialect);
+  Reporter report(progmode_svf2tapbus::kMessageStyle);
   for (const long digits : {1L, 2L, 5L, 16L, 33L}) {
     for (long start = 0; start < digits; ++start) {
       CTapField field;

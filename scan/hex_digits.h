@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "shell/io/text.h"
+
 namespace tapforge {
 
 /// The loops that every digit of a scan passes through: hex text in, hex text
@@ -21,7 +23,7 @@ int hexValue(unsigned char c);
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row, long top);
 
 /// Writes the sixteen digits of `bits`, the most significant one first.
-enum class HexCase { lower, upper };
+
 void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
 
 /// Looks at the sixteen characters of `text`: how many hex digits it begins

@@ -23,7 +23,7 @@ class HexReader {
     for (;;) {
       takeRun();
       const auto c = static_cast<unsigned char>(source_.nextRaw());
-      if (source_.atEnd() && run_.report.dialect().hexEndsWithFile) break;
+      if (source_.atEnd() && source_.syntax().hexEndsWithFile) break;
       if (c == ')') break;
       if (isSpace(c)) continue;
       const int value = hexValue(c);
@@ -147,7 +147,7 @@ void readSvfHexData(long length, CTapField& field, Run& run) {
   const int top = field.getTapDataChar(field.numChars() - 1);
   if ((top >> used) == 0) return;
   run.report.warning(concat("1's in ", 4 - used, " MSB bits of leading hex char (",
-                            paddedHex(static_cast<std::uint32_t>(top), 1, true),
+                            paddedHex(static_cast<std::uint32_t>(top), 1, HexCase::upper),
                             ") will be ignored"));
 }
 

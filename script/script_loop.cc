@@ -1,7 +1,10 @@
 #include "script/script_loop.h"
 
+#include <utility>
+
 #include "scan/scan_statement.h"
 #include "script/scan_writer.h"
+#include "script/script_traits.h"
 #include "script/script_writer.h"
 #include "svf/clock_statements.h"
 #include "svf/pio.h"
@@ -58,7 +61,10 @@ void doScan(Keyword scan, Run& run, ScanWriter& writer) {
 
 }  // namespace
 
-bool processSVF(const ScriptVars& vars, LineReader& source, OutputFile& output, Reporter& report) {
+bool processSVF(const ScriptVars& vars, tapforge::InputFile& input, OutputFile& output,
+                Reporter& report) {
+  CommentCopier comments(vars, output);
+  LineReader source(std::move(input.file), input.name, kSyntaxRules, report, comments);
   Run run(source, report);
   ScriptWriter script(vars, output, source, report);
   ScanWriter scans(vars, output, script, report);

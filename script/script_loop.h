@@ -11,7 +11,7 @@ namespace progmode_svf2tapbus {
 /// The statement loop of mode 0: reads the source to its end and writes each
 /// statement as soon as it has been read. False when a keyword was unknown;
 /// its statement is then missing in the output.
-bool processSVF(const ScriptVars& vars, LineReader& source, tapforge::OutputFile& output,
+bool processSVF(const ScriptVars& vars, tapforge::InputFile& input, tapforge::OutputFile& output,
                 Reporter& report);
 
 }  // namespace progmode_svf2tapbus

@@ -1,11 +1,12 @@
 #ifndef TAPFORGE_SCRIPT_SCRIPT_TRAITS_H
 #define TAPFORGE_SCRIPT_SCRIPT_TRAITS_H
 
-#include "shell/io/dialect.h"
+#include "shell/io/reporter.h"
+#include "svf/syntax_rules.h"
 
 namespace progmode_svf2tapbus {
 
-inline constexpr tapforge::Dialect kDialect = {
+inline constexpr tapforge::MessageStyle kMessageStyle = {
     .toolName = "svf2tapbus",
     .startLabel = "Start ",
     .finishLabel = "Finish",
@@ -14,7 +15,9 @@ inline constexpr tapforge::Dialect kDialect = {
     .screenRewind = "\r",
     // A carriage return and 58 blanks.
     .screenWipe = "\r                                                          ",
-    .emptyAnswerTakesNext = false,
+};
+
+inline constexpr tapforge::SyntaxRules kSyntaxRules = {
     .numberTooLong = "Beyond max number width [30]",
     .tokenMissing = {"Expecting [", "]"},
     .endOfFile = "Unexpected EOF",

@@ -47,7 +47,7 @@ void ScriptWriter::lineMarker(long line) {
 
 void ScriptWriter::endStateStatement(ScanRegister which, TapState state) {
   const std::string_view scan = which == ScanRegister::instruction ? "IR" : "DR";
-  const std::string name = tapforge::toUpper(tapforge::getTapStateName(state));
+  const std::string name = tapforge::xToUpper(tapforge::getTapStateName(state));
   if (isTcl()) {
     sBufStatement_ = concat("set_property ENDSTATE_", scan, " {", name, "} $current_tapbus");
   } else {

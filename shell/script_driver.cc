@@ -1,24 +1,30 @@
+#include "shell/script_driver.h"
+
 #include "script/script_loop.h"
 #include "script/script_traits.h"
-#include "script/script_writer.h"
+#include "shell/io/text.h"
 #include "shell/run_program.h"
 #include "shell/script_options.h"
 
 namespace progmode_svf2tapbus {
+namespace {
 
-int main_svf2tapbus(std::span<char*> arguments) {
-  Reporter report(kDialect);
-  tapforge::Shell shell(report);
-  return tapforge::runProgram(shell, [&] {
+void displayVersion(tapforge::Reporter& report) {
+  report.statusMsg(tapforge::concat("svf2tapbus Version 1.10 ", tapforge::kCopyright),
+                   tapforge::StatusStyle::line);
+}
+
+}  // namespace
+
+int main_svf2tapbus(std::span<const std::string> arguments) {
+  tapforge::Reporter report(kMessageStyle);
+  tapforge::RunFiles files(report, tapforge::EmptyAnswer::asksAgain);
+  return tapforge::runProgram(files, [&] {
     ScriptVars vars;
-    getCmdOptions(arguments, vars, shell);
-    report.statusMsg(tapforge::concat("svf2tapbus Version 1.10 ", tapforge::kCopyright),
-                     tapforge::StatusStyle::line);
+    getCmdOptions(arguments, vars, files);
+    displayVersion(report);
     report.startClock();
-    CommentCopier comments(vars, *shell.pFC_Output);
-    tapforge::InputFile& input = shell.inputs.front();
-    LineReader source(std::move(input.file), input.name, report, comments);
-    return processSVF(vars, source, *shell.pFC_Output, report);
+    return processSVF(vars, files.pFC_Input.front(), *files.pFC_Output, report);
   });
 }
 

@@ -10,8 +10,11 @@ namespace progmode_svf2ksvf {
 
 using tapforge::countLineFeeds;
 
-CharReader::CharReader(tapforge::FilePtr file, std::string name, Reporter& report)
-    : SourceReader(std::move(file), std::move(name), report), countedTo_(cur_), echoFrom_(cur_) {}
+CharReader::CharReader(tapforge::FilePtr file, std::string name,
+                       const tapforge::SyntaxRules& syntax, Reporter& report)
+    : SourceReader(std::move(file), std::move(name), syntax, report),
+      countedTo_(cur_),
+      echoFrom_(cur_) {}
 
 bool CharReader::nextWindow() {
   if (atEnd_) endOfFile();

@@ -26,7 +26,8 @@ class CommentSink {
 /// read when somebody asks, never character by character.
 class CharReader final : public tapforge::SourceReader {
  public:
-  CharReader(tapforge::FilePtr file, std::string name, Reporter& report);
+  CharReader(tapforge::FilePtr file, std::string name, const tapforge::SyntaxRules& syntax,
+             Reporter& report);
 
   bool nextWindow() override;
   void skipComment() override;

@@ -15,9 +15,9 @@ std::string_view view(const unsigned char* begin, const unsigned char* end) {
 
 }  // namespace
 
-LineReader::LineReader(tapforge::FilePtr file, std::string name, Reporter& report,
-                       CommentSink& comments)
-    : SourceReader(std::move(file), std::move(name), report),
+LineReader::LineReader(tapforge::FilePtr file, std::string name,
+                       const tapforge::SyntaxRules& syntax, Reporter& report, CommentSink& comments)
+    : SourceReader(std::move(file), std::move(name), syntax, report),
       comments_(comments),
       lineBegin_(cur_),
       nextLine_(cur_) {}
@@ -59,10 +59,7 @@ int LineReader::slash() {
   if (behindCut) nextWindow();
   if (cur_ == end_ || *cur_ != '/') return '/';
   // The text of a comment is taken from one part of the line.
-  if (behindCut) {
-    report_.fatal(tapforge::concat("[skCm] range[0 <= -1 <= ", end_ - lineBegin_, "]"),
-                  tapforge::Where::nowhere);
-  }
+  if (behindCut) report_.rangeCheck(-1, 0, end_ - lineBegin_, "skCm");
   copyComment(cur_ - 1);
   return -1;
 }

@@ -29,7 +29,8 @@ class CommentSink {
 /// its parts count as one line and read on without a break.
 class LineReader final : public tapforge::SourceReader {
  public:
-  LineReader(tapforge::FilePtr file, std::string name, Reporter& report, CommentSink& comments);
+  LineReader(tapforge::FilePtr file, std::string name, const tapforge::SyntaxRules& syntax,
+             Reporter& report, CommentSink& comments);
 
   bool nextWindow() override;
   void skipComment() override;

@@ -43,7 +43,7 @@ class RunTestReader {
   // Whether the number is a clock count by its unit, which is then consumed.
   bool readCount(const Number& number) {
     lexer_.lex();
-    const bool timesNeedFrequency = report_.dialect().timesNeedFrequency;
+    const bool timesNeedFrequency = lexer_.source().syntax().timesNeedFrequency;
     if (lexer_.is("tck") || (lexer_.is("sck") && !timesNeedFrequency)) {
       tap_.fRunCount = number.asFloat();
     } else if (timesNeedFrequency) {

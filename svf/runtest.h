@@ -23,7 +23,7 @@ class RunTestSink {
   virtual void maxTime(float /*seconds*/) {}
   virtual void endState(std::string_view /*name*/) {}
   /// The clock count that a time in this unit stands for, where the output
-  /// knows no times. Asked only when Dialect::timesNeedFrequency says so.
+  /// knows no times. Asked only when SyntaxRules::timesNeedFrequency says so.
   virtual float countOfTime(const Number& time, std::string_view /*unit*/) {
     return time.asFloat();
   }

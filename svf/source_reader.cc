@@ -6,8 +6,13 @@
 
 namespace tapforge {
 
-SourceReader::SourceReader(FilePtr file, std::string name, Reporter& report)
-    : report_(report), pFile_(std::move(file)), sFileName_(std::move(name)), block_(makeBlock()) {
+SourceReader::SourceReader(FilePtr file, std::string name, const SyntaxRules& syntax,
+                           Reporter& report)
+    : syntax_(syntax),
+      report_(report),
+      pFile_(std::move(file)),
+      sFileName_(std::move(name)),
+      block_(makeBlock()) {
   std::setvbuf(pFile_.get(), nullptr, _IONBF, 0);
   cur_ = end_ = readTo_ = tokenStart_ = blockEnd_ = block_.get() + kKept;
   report_.setInput(this);
@@ -28,7 +33,7 @@ SourceReader::Block SourceReader::makeBlock() {
 int SourceReader::nextRaw() {
   if (cur_ == end_ && nextWindow()) {
     // Where a value may end with the file, the end is no character of it.
-    if (!atEnd_ || !report_.dialect().hexEndsWithFile) setLastItem(' ');
+    if (!atEnd_ || !syntax_.hexEndsWithFile) setLastItem(' ');
     return ' ';
   }
   if (*cur_ != ')') {
@@ -39,8 +44,7 @@ int SourceReader::nextRaw() {
 }
 
 void SourceReader::endOfFile() {
-  const Dialect& dialect = report_.dialect();
-  report_.fatal(dialect.endOfFile, dialect.endOfFileHasPosition ? Where::input : Where::nowhere);
+  report_.fatal(syntax_.endOfFile, syntax_.endOfFileHasPosition ? Where::input : Where::nowhere);
 }
 
 std::ptrdiff_t SourceReader::fillBlock(const unsigned char* keep) {

@@ -10,6 +10,7 @@
 
 #include "shell/io/files.h"
 #include "shell/io/reporter.h"
+#include "svf/syntax_rules.h"
 
 namespace tapforge {
 
@@ -23,12 +24,13 @@ namespace tapforge {
 /// atEnd() becomes true. Reading on is fatal.
 class SourceReader : public InputPosition {
  public:
-  SourceReader(FilePtr file, std::string name, Reporter& report);
+  SourceReader(FilePtr file, std::string name, const SyntaxRules& syntax, Reporter& report);
   ~SourceReader() override { report_.setInput(nullptr); }
   SourceReader(const SourceReader&) = delete;
   SourceReader& operator=(const SourceReader&) = delete;
 
   const std::string& name() const { return sFileName_; }
+  const SyntaxRules& syntax() const { return syntax_; }
 
   /// The next character; unread() gives back one that came from the window.
   int next() {
@@ -96,6 +98,7 @@ class SourceReader : public InputPosition {
   /// much there is, and fileEnded_ whether the file has no more.
   std::ptrdiff_t fillBlock(const unsigned char* keep);
 
+  const SyntaxRules& syntax_;
   Reporter& report_;
   const unsigned char* cur_;
   const unsigned char* end_;

@@ -137,13 +137,13 @@ void Lexer::getLongWord(bool digitLed) {
 }
 
 void Lexer::tooLong(bool digitLed) {
-  if (digitLed) report_.fatal(report_.dialect().numberTooLong);
+  if (digitLed) report_.fatal(source_.syntax().numberTooLong);
   report_.fatal(concat("token exceeds ", kWordLimit, " characters"));
 }
 
 void Lexer::tokenMissing(std::string_view keyword) {
-  const Dialect& dialect = report_.dialect();
-  report_.fatal(concat(dialect.tokenMissing[0], keyword, dialect.tokenMissing[1]));
+  const auto& around = source_.syntax().tokenMissing;
+  report_.fatal(concat(around[0], keyword, around[1]));
 }
 
 long decimalValue(std::string_view digits) {

@@ -22,8 +22,8 @@ class Lexer {
   Lexer(SourceReader& source, Reporter& report)
       : source_(source),
         report_(report),
-        blankEndsWord_(report.dialect().blankEndsWord),
-        blankIsItem_(report.dialect().blankIsItem) {}
+        blankEndsWord_(source.syntax().blankEndsWord),
+        blankIsItem_(source.syntax().blankIsItem) {}
 
   /// The first token of a statement; false when only white space and comments
   /// were left before the end of the file.

@@ -1,9 +1,12 @@
 #include "vector/ksvf_loop.h"
 
+#include <utility>
+
 #include "scan/scan_statement.h"
 #include "svf/clock_statements.h"
 #include "svf/pio.h"
 #include "svf/statements.h"
+#include "vector/ksvf_traits.h"
 #include "vector/move_writer.h"
 #include "vector/scan_writer.h"
 
@@ -147,8 +150,9 @@ class StatementLoop final : private CommentSink {
 
 }  // namespace
 
-bool processSVF(const KsvfVars& vars, CharReader& source, OutputFile& output, OutputFile* listing,
-                Reporter& report) {
+bool processSVF(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
+                OutputFile* listing, Reporter& report) {
+  CharReader source(std::move(input.file), input.name, kSyntaxRules, report);
   return StatementLoop(vars, source, output, listing, report).processSVF();
 }
 

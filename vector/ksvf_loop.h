@@ -11,7 +11,7 @@ namespace progmode_svf2ksvf {
 /// The statement loop of mode 1: reads the source to its end and writes the
 /// whole KSVF file, and its listing unless that is null. False when a keyword
 /// was unknown; its statement is then missing in the output.
-bool processSVF(const KsvfVars& vars, CharReader& source, tapforge::OutputFile& output,
+bool processSVF(const KsvfVars& vars, tapforge::InputFile& input, tapforge::OutputFile& output,
                 tapforge::OutputFile* listing, Reporter& report);
 
 }  // namespace progmode_svf2ksvf

@@ -1,11 +1,12 @@
 #ifndef TAPFORGE_VECTOR_KSVF_TRAITS_H
 #define TAPFORGE_VECTOR_KSVF_TRAITS_H
 
-#include "shell/io/dialect.h"
+#include "shell/io/reporter.h"
+#include "svf/syntax_rules.h"
 
 namespace progmode_svf2ksvf {
 
-inline constexpr tapforge::Dialect kDialect = {
+inline constexpr tapforge::MessageStyle kMessageStyle = {
     .toolName = "svf2ksvf",
     .startLabel = "Start  ",
     .finishLabel = "Finish ",
@@ -18,7 +19,9 @@ inline constexpr tapforge::Dialect kDialect = {
     .screenWipe =
         "\r                                        "
         "                                       \r",
-    .emptyAnswerTakesNext = true,
+};
+
+inline constexpr tapforge::SyntaxRules kSyntaxRules = {
     .numberTooLong = "number exceeds [30] digits",
     .tokenMissing = {"Token [", "] not found"},
     .endOfFile = "EOF_CH",

@@ -29,7 +29,7 @@ void MoveWriter::addTapTransition(TapState state) {
   // The minimum set that a player of version 4 knows: reset and idle.
   if (vars_.iOptMinKstateUsage && number > 1) return;
   bytes_.list("KSTATE 0x");
-  bytes_.list(tapforge::paddedHex(static_cast<std::uint32_t>(number), 2, false));
+  bytes_.list(tapforge::paddedHex(static_cast<std::uint32_t>(number), 2, tapforge::HexCase::lower));
   bytes_.list("\n");
   bytes_.commandWith(Command::KSTATE, number, 2);
 }
@@ -142,8 +142,10 @@ void MoveWriter::doRunTest() {
     const long waitState = static_cast<long>(run_.tap.iRunState);
     const long endState = static_cast<long>(run_.tap.iRunEndState);
     bytes_.listNumber(Command::KWAIT, waitState, 2, " 0x");
-    bytes_.list(concat(tapforge::paddedHex(static_cast<std::uint32_t>(endState), 2, true), " 0x",
-                       tapforge::paddedHex(static_cast<std::uint32_t>(count), 8, true), "\n"));
+    bytes_.list(concat(
+        tapforge::paddedHex(static_cast<std::uint32_t>(endState), 2, tapforge::HexCase::upper),
+        " 0x", tapforge::paddedHex(static_cast<std::uint32_t>(count), 8, tapforge::HexCase::upper),
+        "\n"));
     bytes_.commandWith(Command::KWAIT, waitState, 2);
     bytes_.binWrite(endState, 2);
     bytes_.operand(Command::KWAIT, count, 8);

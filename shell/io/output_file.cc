@@ -3,33 +3,39 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <limits>
 #include <utility>
 
-#include "shell/io/reporter.h"
+#include "shell/io/block_size.h"
 
 namespace tapforge {
 
-OutputFile::OutputFile(FilePtr file, std::string name, Reporter& report)
+OutputFile::OutputFile(FilePtr file, std::string name)
     : pFile_(std::move(file)),
       sFileName_(std::move(name)),
-      report_(report),
-      block_(new char[kBlock]),
+      block_(new char[gBlockSize + kReserve]),
       next_(block_.get()),
-      end_(block_.get() + kBlock) {
-  // The block below is the only buffer; a second one would just copy again.
+      blockEnd_(block_.get() + gBlockSize) {
+  // The block is the only buffer; a second one would just copy again.
   std::setvbuf(pFile_.get(), nullptr, _IONBF, 0);
 }
 
-void OutputFile::writeDecimal(long value) {
-  constexpr std::size_t kMostDigits = 20;
-  char* text = reserve(kMostDigits);
-  next_ = std::to_chars(text, text + kMostDigits, value).ptr;
+void OutputFile::begin() {
+  if (std::exchange(begun_, true) || pFile_ == nullptr) return;
+  if (!emptyFile(pFile_.get())) fail();
+}
+
+void OutputFile::writeDecimal(std::int64_t value) {
+  // All digits and a sign.
+  constexpr std::size_t kMost = std::numeric_limits<std::int64_t>::digits10 + 2;
+  char* const text = reserve(kMost);
+  advance(std::to_chars(text, text + kMost, value).ptr);
 }
 
 void OutputFile::writeLarge(std::string_view text) {
   while (!text.empty()) {
-    if (room() == 0) flush();
-    const std::size_t part = std::min(text.size(), room());
+    if (next_ >= blockEnd_) flush();
+    const std::size_t part = std::min(text.size(), static_cast<std::size_t>(blockEnd_ - next_));
     std::memcpy(next_, text.data(), part);
     next_ += part;
     text.remove_prefix(part);
@@ -39,6 +45,7 @@ void OutputFile::writeLarge(std::string_view text) {
 void OutputFile::flush() {
   const auto size = static_cast<std::size_t>(next_ - block_.get());
   next_ = block_.get();
+  begin();
   if (size == 0 || pFile_ == nullptr) return;
   if (std::fwrite(block_.get(), 1, size, pFile_.get()) != size) fail();
 }
@@ -50,7 +57,7 @@ void OutputFile::close() {
 
 void OutputFile::fail() {
   pFile_.reset();
-  report_.chkFileErr(sFileName_);
+  throw WriteFailed{sFileName_};
 }
 
 }  // namespace tapforge

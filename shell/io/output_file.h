@@ -1,31 +1,40 @@
 #ifndef TAPFORGE_SHELL_IO_OUTPUT_FILE_H
 #define TAPFORGE_SHELL_IO_OUTPUT_FILE_H
 
+#include <cassert>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "shell/io/files.h"
+#include "shell/io/system.h"
 
 namespace tapforge {
 
-class Reporter;
+/// Thrown when a file does not take what is written. The file is then closed,
+/// and takes what is written later without a word, so a file fails only once.
+struct WriteFailed {
+  std::string name;
+};
 
 /// A file that is written front to back: the output, the listing or the log.
-/// Text is gathered in one block; a block that cannot be written whole ends
-/// the run with the fatal "name file error", after which the file takes
-/// nothing more.
+/// Text is gathered in memory and goes to the system in blocks of gBlockSize
+/// bytes, so any of the members but name() can throw WriteFailed.
 class OutputFile {
  public:
-  /// Takes over an open handle. Nothing of it may have been written yet.
-  OutputFile(FilePtr file, std::string name, Reporter& report);
+  /// Takes over an open handle that nothing has been written to.
+  OutputFile(FilePtr file, std::string name);
 
   const std::string& name() const { return sFileName_; }
 
+  /// Empties a file that existed before; until then it keeps what it holds. The
+  /// first flush() does the same.
+  void begin();
+
   void write(std::string_view text) {
-    if (text.size() > room()) {
+    if (static_cast<std::ptrdiff_t>(text.size()) > blockEnd_ - next_) {
       writeLarge(text);
       return;
     }
@@ -37,38 +46,43 @@ class OutputFile {
     *reserve(1) = c;
     ++next_;
   }
-  void writeDecimal(long value);
 
-  /// Room for `count` (at most kReserve) characters to fill in place; advance()
-  /// then says up to where they were filled.
-  char* reserve(std::size_t count) {
-    if (count > room()) flush();
+  /// Writes the value in decimal.
+  void writeDecimal(std::int64_t value);
+
+  /// Space for `count` characters, at most kReserve, to be filled in place.
+  /// Call advance() with the end of what was filled in; anything written
+  /// before that call uses the same space.
+  char* reserve([[maybe_unused]] std::size_t count) {
+    assert(count <= kReserve);
+    if (next_ >= blockEnd_) flush();
     return next_;
   }
-  void advance(char* end) { next_ = end; }
+  void advance(char* end) {
+    assert(end >= next_ && end <= blockEnd_ + kReserve);
+    next_ = end;
+  }
 
   static constexpr std::size_t kReserve = 4096;
 
   /// Hands all text so far to the system.
   void flush();
 
-  /// Flushes and closes, so that a failure at the very end shows too. The file
-  /// takes nothing afterwards.
+  /// Flushes and closes the file, so that a failure at the very end shows too.
   void close();
 
  private:
-  std::size_t room() const { return static_cast<std::size_t>(end_ - next_); }
   void writeLarge(std::string_view text);
-  void fail();
+  [[noreturn]] void fail();
 
-  static constexpr std::size_t kBlock = std::size_t{128} * 1024;
-
-  FilePtr pFile_;
+  FilePtr pFile_;  // null after close() and after a failure
   std::string sFileName_;
-  Reporter& report_;
+  bool begun_ = false;
+  // A block is followed by kReserve bytes, into which the last space reserved
+  // may reach.
   std::unique_ptr<char[]> block_;
   char* next_;
-  char* end_;
+  char* blockEnd_;
 };
 
 }  // namespace tapforge

@@ -19,15 +19,25 @@ std::string_view prefixOf(Level level) {
       return "Warning: ";
     case Level::note:
       return "Note   : ";
-    case Level::plain:
-      break;
   }
   return "";
 }
 
-std::string twoDigits(long value) {
-  std::string text = std::to_string(value);
-  return text.size() < 2 ? "0" + text : text;
+std::string twoDigits(std::int64_t value) {
+  const std::string text = concat(value);
+  return text.size() < 2 ? concat("0", text) : text;
+}
+
+// As in "Mon Nov 26 03:03:39 2018".
+std::string dateTimeText(std::time_t time) {
+  const std::tm* local = std::localtime(&time);
+  if (local == nullptr) return "";
+  std::array<char, 20> day{};
+  std::array<char, 20> clockAndYear{};
+  std::strftime(day.data(), day.size(), "%a %b ", local);
+  std::strftime(clockAndYear.data(), clockAndYear.size(), " %H:%M:%S %Y", local);
+  // Some systems know no "%e".
+  return concat(day.data(), paddedDecimal(local->tm_mday, 2), clockAndYear.data());
 }
 
 }  // namespace
@@ -35,76 +45,78 @@ std::string twoDigits(long value) {
 void Reporter::errHandler(Level level, std::string_view text, Where where) {
   std::string message = concat("\n", prefixOf(level), text.substr(0, kMaxMessage));
   if (where == Where::input && input_ != nullptr) message += input_->positionText();
-  // Standard output first: when the log cannot take the message either, the
-  // user has still seen it.
+  // Standard output first: when the log cannot take the message, the user has
+  // still seen it.
   print(message);
   toLog(message);
-  if (level != Level::error) return;
-  ending_ = true;
-  finishClock();
-  finishRun();
 }
 
 void Reporter::fatal(std::string_view text, Where where) {
   errHandler(Level::error, text, where);
-  throw ProgramEnd{1};  // not reached: errHandler does not return from an error
+  finishClock();
+  throw ProgramEnd{1};
+}
+
+void Reporter::nullPtrChk(bool present, std::string_view tag) {
+  if (!present) fatal(concat("Null Ptr [", tag, "]"), Where::nowhere);
+}
+
+void Reporter::rangeCheck(std::int64_t value, std::int64_t smallest, std::int64_t largest,
+                          std::string_view name) {
+  if (smallest <= value && value <= largest) return;
+  fatal(concat("[", name, "] range[", smallest, " <= ", value, " <= ", largest, "]"),
+        Where::nowhere);
 }
 
 void Reporter::fileError(std::string_view text) {
-  fatal(concat("(", dialect_.toolName, ") ", text), Where::nowhere);
+  fatal(concat("(", style_.toolName, ") ", text), Where::nowhere);
 }
 
 void Reporter::chkFileErr(std::string_view fileName) {
-  const std::string text = concat(fileName, " file error");
-  if (!ending_) fatal(text, Where::nowhere);
-  const std::string message =
-      concat("\n", prefixOf(Level::error), std::string_view(text).substr(0, kMaxMessage));
-  print(message);
-  toLog(message);
+  fatal(fileErrorText(fileName), Where::nowhere);
 }
 
-void Reporter::statusMsg(std::string_view text, StatusStyle style, bool toScreen, bool toLogFile) {
+std::string Reporter::fileErrorText(std::string_view fileName) {
+  return concat(fileName, " file error");
+}
+
+void Reporter::statusMsg(std::string_view text, StatusStyle style) {
+  if (!wantsStatus()) return;
   const bool lineBefore = style == StatusStyle::newLine || style == StatusStyle::ownLine;
   const bool lineAfter = style == StatusStyle::ownLine || style == StatusStyle::line;
-  if (toLogFile && log_ != nullptr) {
-    toLog(concat(lineBefore ? "\n" : "", text, lineAfter ? "\n" : ""));
-  }
-  if (!toScreen || !screenOn_) return;
-  std::string line;
-  if (lineBefore) line += '\n';
-  if (style == StatusStyle::rewind) line += dialect_.screenRewind;
-  line += text;
-  if (lineAfter) line += '\n';
-  if (style == StatusStyle::wipe) line += dialect_.screenWipe;
-  printStatus(line);
+  const std::string line = concat(lineBefore ? "\n" : "", text, lineAfter ? "\n" : "");
+  toLog(line);
+  if (!iDbg_SCR_ACTIVITY_) return;
+  printStatus(concat(style == StatusStyle::rewind ? style_.screenRewind : "", line,
+                     style == StatusStyle::wipe ? style_.screenWipe : ""));
 }
 
 void Reporter::startClock() {
-  t_TimeStart = std::time(nullptr);
-  showDateTime(dialect_.startLabel, t_TimeStart);
+  t_TimeStart_ = std::time(nullptr);
+  showDateTime(style_.startLabel, t_TimeStart_);
 }
 
 void Reporter::finishClock() {
-  const std::time_t now = std::time(nullptr);
-  showDateTime(dialect_.finishLabel, now);
-  if (t_TimeStart == 0) {
-    statusMsg(" ", StatusStyle::ownLine, false, true);
-    return;
+  const std::time_t t_TimeFinish = std::time(nullptr);
+  showDateTime(style_.finishLabel, t_TimeFinish);
+  if (t_TimeStart_ != 0) {
+    showElapsedTime(t_TimeFinish);
+  } else {
+    // No elapsed time: a line with nothing but a blank keeps its place.
+    toLog("\n \n");
   }
-  const auto seconds = static_cast<long>(std::difftime(now, t_TimeStart));
-  statusMsg(
-      concat(dialect_.elapsedLead, twoDigits(seconds / 3600), ":", twoDigits(seconds % 3600 / 60),
-             ":", twoDigits(seconds % 60), dialect_.elapsedTail),
-      StatusStyle::line);
 }
 
-void Reporter::showDateTime(std::string_view label, std::time_t now) {
-  std::array<char, 50> text{};
-  if (const std::tm* local = std::localtime(&now); local != nullptr) {
-    // The layout of ctime without its line end.
-    std::strftime(text.data(), text.size(), "%a %b %e %H:%M:%S %Y", local);
-  }
-  statusMsg(concat(label, ": ", text.data()), StatusStyle::ownLine);
+void Reporter::showDateTime(std::string_view label, std::time_t time) {
+  statusMsg(concat(label, ": ", dateTimeText(time)), StatusStyle::ownLine);
+}
+
+void Reporter::showElapsedTime(std::time_t t_TimeFinish) {
+  const auto seconds = static_cast<std::int64_t>(std::difftime(t_TimeFinish, t_TimeStart_));
+  statusMsg(
+      concat(style_.elapsedLead, twoDigits(seconds / 3600), ":", twoDigits(seconds % 3600 / 60),
+             ":", twoDigits(seconds % 60), style_.elapsedTail),
+      StatusStyle::line);
 }
 
 void Reporter::toLog(std::string_view text) {

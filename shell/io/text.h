@@ -8,15 +8,17 @@
 
 namespace tapforge {
 
-/// Joins texts and integers (decimal) into one string. Messages are built with
-/// it, so no text from a file or a command line is ever used as a format.
+/// Joins texts, characters and integers (in decimal) into one string. Messages
+/// are built with it, so no text from a file or a command line is ever used as
+/// a format.
 template <typename... Pieces>
 std::string concat(const Pieces&... pieces) {
   std::string text;
   auto append = [&text](const auto& piece) {
-    if constexpr (std::is_same_v<std::decay_t<decltype(piece)>, char>) {
+    using Piece = std::decay_t<decltype(piece)>;
+    if constexpr (std::is_same_v<Piece, char>) {
       text += piece;
-    } else if constexpr (std::is_integral_v<std::decay_t<decltype(piece)>>) {
+    } else if constexpr (std::is_integral_v<Piece>) {
       text += std::to_string(piece);
     } else {
       text += std::string_view(piece);
@@ -26,19 +28,22 @@ std::string concat(const Pieces&... pieces) {
   return text;
 }
 
-/// "%*ld": decimal, blanks in front up to `width` characters.
-std::string paddedDecimal(long value, int width);
+enum class HexCase { lower, upper };
 
-/// "%0*X" or "%0*x" of the low 32 bits.
-std::string paddedHex(std::uint32_t value, int width, bool upperCase);
+/// Decimal, with blanks in front up to `width` characters.
+std::string paddedDecimal(std::int64_t value, int width);
 
-/// "%.2e": the form of every time that is written, whatever the locale.
+/// Hex digits, with zeros in front up to `width` characters.
+std::string paddedHex(std::uint32_t value, int width, HexCase hexCase);
+
+/// One digit, point, two digits, exponent of at least two digits: the form in
+/// which times are written ("1.50e-03"), whatever the locale is.
 std::string shortExponent(double value);
 
-/// Changes ASCII letters only, as the C locale does.
+/// Change ASCII letters only, as the C locale does.
 char toLower(char c);
 char toUpper(char c);
-std::string toUpper(std::string_view text);
+std::string xToUpper(std::string_view text);
 
 }  // namespace tapforge
 

@@ -18,7 +18,7 @@ namespace {
 
 class RecordingReporter final : public Reporter {
  public:
-  explicit RecordingReporter(const Dialect& dialect) : Reporter(dialect) { setScreen(true); }
+  explicit RecordingReporter(const MessageStyle& style) : Reporter(style) { setScreen(true); }
   std::string text;
   std::string status;
 
@@ -52,15 +52,14 @@ class MemoryFile {
 }  // namespace
 
 Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
-  RecordingReporter report(progmode_svf2tapbus::kDialect);
+  RecordingReporter report(progmode_svf2tapbus::kMessageStyle);
   MemoryFile input(svf);
   MemoryFile output;
-  OutputFile outputFile(output.open(), "output", report);
+  OutputFile outputFile(output.open(), "output");
   Converted converted;
   try {
-    progmode_svf2tapbus::CommentCopier comments(vars, outputFile);
-    progmode_svf2tapbus::LineReader source(input.open(), "input", report, comments);
-    converted.good = processSVF(vars, source, outputFile, report);
+    InputFile inputFile{"input", input.open()};
+    converted.good = processSVF(vars, inputFile, outputFile, report);
   } catch (const ProgramEnd&) {
   }
   outputFile.close();
@@ -71,16 +70,16 @@ Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& 
 }
 
 Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::KsvfVars& vars) {
-  RecordingReporter report(progmode_svf2ksvf::kDialect);
+  RecordingReporter report(progmode_svf2ksvf::kMessageStyle);
   MemoryFile input(svf);
   MemoryFile output;
   MemoryFile listing;
-  OutputFile outputFile(output.open(), "output", report);
-  OutputFile listingFile(listing.open(), "listing", report);
+  OutputFile outputFile(output.open(), "output");
+  OutputFile listingFile(listing.open(), "listing");
   Converted converted;
   try {
-    progmode_svf2ksvf::CharReader source(input.open(), "input", report);
-    converted.good = processSVF(vars, source, outputFile, &listingFile, report);
+    InputFile inputFile{"input", input.open()};
+    converted.good = processSVF(vars, inputFile, outputFile, &listingFile, report);
   } catch (const ProgramEnd&) {
   }
   outputFile.close();
