@@ -54,8 +54,9 @@ bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t&
     return false;
   }
   char* end = nullptr;
-  const auto number = static_cast<std::int32_t>(std::strtoull(text->c_str(), &end, 0));
-  if (end == text->c_str() || *end != '\0' || number < smallest) {
+  // Saturates, so a number that is too large for it stays one.
+  const std::int64_t number = std::strtoll(text->c_str(), &end, 0);
+  if (end == text->c_str() || *end != '\0' || number < smallest || number > kLargestNumber) {
     const std::string_view word = call.name == "linenum" ? "" : " option";
     report.warning(concat("invalid decimal number [", *text, "] for -", call.name, word, "\n"),
                    Where::nowhere);

@@ -62,11 +62,14 @@ std::string fileNameArgument(const OptionCall& call, std::string_view what);
 /// A missing one ends the run with "tool: missing".
 std::int64_t decimalArgument(const OptionCall& call, std::string_view missing);
 
-/// The next argument as a whole number that 32 bits with a sign hold, at least
-/// `smallest`: "0x" hexadecimal, "0" octal, else decimal. Warns about a missing
-/// or bad one and returns false.
+/// The range of the numbers that options take.
+constexpr std::int64_t kSmallestNumber = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t kLargestNumber = std::numeric_limits<std::int32_t>::max();
+
+/// The next argument as a whole number from `smallest` to kLargestNumber: "0x"
+/// hexadecimal, "0" octal, else decimal. Warns about a missing or bad one and
+/// returns false.
 bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t& variable);
-constexpr std::int64_t kAnyNumber = std::numeric_limits<std::int32_t>::min();
 
 // Actions of options that only set one variable, a member of Vars.
 
@@ -78,7 +81,7 @@ bool setFlag(const OptionCall& /*call*/, Vars& vars) {
 }
 
 /// Has a value as numberArgument() reads it.
-template <auto variable, std::int64_t smallest = kAnyNumber, typename Vars>
+template <auto variable, std::int64_t smallest = kSmallestNumber, typename Vars>
 bool setNumber(const OptionCall& call, Vars& vars) {
   return numberArgument(call, smallest, vars.*variable);
 }
@@ -107,7 +110,8 @@ constexpr Option<Vars> overwriteOption(std::string_view name, std::string_view h
 
 template <typename Vars>
 constexpr Option<Vars> kFrequencyOption = {
-    "tck_freq", setNumber<&Vars::lGlobTckFreq>,
+    // At least 1 Hz: with less, every wait would be one of 0 clocks.
+    "tck_freq", setNumber<&Vars::lGlobTckFreq, 1>,
     "\t-tck_freq N = specify cable frequency in TCK (e.g., N = 1000000 for 1 MHz)\n"};
 
 // The walk.
