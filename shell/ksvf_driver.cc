@@ -19,6 +19,7 @@ int main_svf2ksvf(std::span<const std::string> arguments) {
     // The options have made sure that it may be overwritten.
     files.iOverWritePrompt = false;
     files.makeChannel(files.pFC_Output, *files.sOutputName);
+    files.beginOutputs();
     for (std::size_t i = 1; i < files.pFC_Input.size(); ++i) {
       report.warning(
           tapforge::concat("Input file [", files.pFC_Input[i].name, "] is not converted"),

@@ -1,6 +1,5 @@
 #include "shell/run_files.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -9,12 +8,19 @@
 namespace tapforge {
 
 void RunFiles::addInput(const std::string& name) {
-  const std::vector<OutputFile*> written = outputs();
-  const bool same =
-      (sOutputName && (*sOutputName == name || sameRegularFile(*sOutputName, name))) ||
-      std::any_of(written.begin(), written.end(), [&name](const OutputFile* output) {
-        return sameRegularFile(output->name(), name);
-      });
+  bool same = sOutputName && (*sOutputName == name || sameRegularFile(*sOutputName, name));
+  const auto isInput = [&name](const std::unique_ptr<OutputFile>& output) {
+    return output != nullptr && sameRegularFile(output->name(), name);
+  };
+  for (std::unique_ptr<OutputFile>* channel : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
+    if (!isInput(*channel)) continue;
+    same = true;
+    // A log that has nothing to lose takes the message.
+    if ((*channel)->begun()) continue;
+    if (channel == &pFC_Log) report.setLog(nullptr);
+    channel->reset();
+  }
+  std::erase_if(replaced_, isInput);
   if (same) report.fileError("Input filename same as output");
   FilePtr file = fileCheck(name, OpenMode::read, report);
   // Of the further ones only the name is kept: being readable is all they need.
@@ -23,13 +29,14 @@ void RunFiles::addInput(const std::string& name) {
 }
 
 void RunFiles::makeChannel(std::unique_ptr<OutputFile>& channel, const std::string& name) {
+  if (channel != nullptr && !channel->begun()) replaced_.push_back(std::move(channel));
   channel.reset();
   refuseInputAsOutput(name);
   // Two outputs would overwrite each other without a word, and so would an
   // output and the messages.
   bool taken = sameRegularFile(stdout, name) || sameRegularFile(stderr, name);
-  for (const OutputFile* other : outputs()) {
-    taken = taken || sameRegularFile(other->name(), name);
+  for (const auto* other : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
+    taken = taken || (*other != nullptr && sameRegularFile((*other)->name(), name));
   }
   if (taken) report.fileError(concat("[", name, "] is already written by this run"));
   if (iOverWritePrompt && fileExists(name)) {
@@ -38,7 +45,6 @@ void RunFiles::makeChannel(std::unique_ptr<OutputFile>& channel, const std::stri
     if (answer != 'O') throw ProgramEnd{1};
   }
   channel = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);
-  channel->begin();
 }
 
 void RunFiles::refuseInputAsOutput(const std::string& name) {
@@ -50,8 +56,14 @@ void RunFiles::refuseInputAsOutput(const std::string& name) {
   }
 }
 
+void RunFiles::beginOutputs() {
+  for (OutputFile* output : outputs()) output->begin();
+  replaced_.clear();
+}
+
 std::vector<OutputFile*> RunFiles::outputs() const {
   std::vector<OutputFile*> all;
+  for (const auto& output : replaced_) all.push_back(output.get());
   for (OutputFile* output : {pFC_Output.get(), pFC_Ascii.get(), pFC_Log.get()}) {
     if (output != nullptr) all.push_back(output);
   }

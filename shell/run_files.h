@@ -13,7 +13,9 @@
 namespace tapforge {
 
 /// The files of a run, as the options name them. They are opened when they are
-/// named and stay open, so that pipes work.
+/// named and stay open, so that pipes work. An output keeps what it holds until
+/// all files are named, because it can turn out to be an input, and an input is
+/// never overwritten.
 class RunFiles {
  public:
   /// `emptyAnswer` is the mode's rule for the question before overwriting.
@@ -34,7 +36,8 @@ class RunFiles {
   std::optional<std::string> sOutputName;
 
   /// Opens an input. Fatal "Input filename same as output" if it has the name
-  /// of the output or is the file of any output, and "cannot open".
+  /// of the output or is the file of any output, which is then let go; and
+  /// "cannot open".
   void addInput(const std::string& name);
 
   /// Opens an output as `channel`, in place of an earlier one, after asking if
@@ -48,12 +51,18 @@ class RunFiles {
   /// input or the file of any.
   void refuseInputAsOutput(const std::string& name);
 
-  /// All outputs, in the order in which they are closed,
+  /// Empties the outputs. To be called when all files are open; closing one does
+  /// the same.
+  void beginOutputs();
+
+  /// All outputs, also those that were replaced, in the order in which they are closed,
   /// the log last.
   std::vector<OutputFile*> outputs() const;
 
  private:
   EmptyAnswer emptyAnswer_;
+  // Outputs whose option was repeated, unless they are empty.
+  std::vector<std::unique_ptr<OutputFile>> replaced_;
 };
 
 }  // namespace tapforge

@@ -22,6 +22,7 @@ int main_svf2tapbus(std::span<const std::string> arguments) {
   return tapforge::runProgram(files, [&] {
     ScriptVars vars;
     getCmdOptions(arguments, vars, files);
+    files.beginOutputs();
     displayVersion(report);
     report.startClock();
     return processSVF(vars, files.pFC_Input.front(), *files.pFC_Output, report);

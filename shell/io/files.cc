@@ -7,7 +7,8 @@ namespace tapforge {
 namespace {
 
 bool sameRegularFile(const FileStatus& a, const FileStatus& b) {
-  return a.kind == FileKind::regular && a == b;
+  return a.kind == FileKind::regular && b.kind == FileKind::regular && a.device == b.device &&
+         a.number == b.number;
 }
 
 void skipLine() {

@@ -13,6 +13,8 @@ namespace tapforge {
 OutputFile::OutputFile(FilePtr file, std::string name)
     : pFile_(std::move(file)),
       sFileName_(std::move(name)),
+      // Pipes and devices hold nothing either.
+      begun_(fileStatus(pFile_.get()).size == 0),
       block_(new char[gBlockSize + kReserve]),
       next_(block_.get()),
       blockEnd_(block_.get() + gBlockSize) {

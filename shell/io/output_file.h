@@ -32,6 +32,8 @@ class OutputFile {
   /// Empties a file that existed before; until then it keeps what it holds. The
   /// first flush() does the same.
   void begin();
+  /// False while the file holds what it held before.
+  bool begun() const { return begun_; }
 
   void write(std::string_view text) {
     if (static_cast<std::ptrdiff_t>(text.size()) > blockEnd_ - next_) {
@@ -77,7 +79,7 @@ class OutputFile {
 
   FilePtr pFile_;  // null after close() and after a failure
   std::string sFileName_;
-  bool begun_ = false;
+  bool begun_;
   // A block is followed by kReserve bytes, into which the last space reserved
   // may reach.
   std::unique_ptr<char[]> block_;

@@ -52,9 +52,10 @@ FileStatus statusOf(HANDLE handle) {
     case FILE_TYPE_DISK: {
       BY_HANDLE_FILE_INFORMATION found = {};
       if (GetFileInformationByHandle(handle, &found) == 0) return {};
-      const bool folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-      return {folder ? FileKind::folder : FileKind::regular, found.dwVolumeSerialNumber,
-              std::uint64_t{found.nFileIndexHigh} << 32 | found.nFileIndexLow};
+      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {FileKind::folder};
+      return {FileKind::regular, found.dwVolumeSerialNumber,
+              std::uint64_t{found.nFileIndexHigh} << 32 | found.nFileIndexLow,
+              std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow};
     }
     case FILE_TYPE_PIPE:
       return {FileKind::pipe};
@@ -76,7 +77,9 @@ FileKind kindOf(mode_t mode) {
 }
 
 FileStatus statusOf(const struct stat& found) {
-  return {kindOf(found.st_mode), found.st_dev, found.st_ino};
+  const FileKind kind = kindOf(found.st_mode);
+  if (kind != FileKind::regular) return {kind};
+  return {kind, found.st_dev, found.st_ino, static_cast<std::uint64_t>(found.st_size)};
 }
 
 #endif
