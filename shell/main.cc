@@ -18,6 +18,8 @@ void printBanner() {
       "  **** Build date : ",
       kBuildDate, "-", kBuildTime, "\n    ** ", tapforge::kCopyright, "\n\n\n");
   std::fwrite(banner.data(), 1, banner.size(), stdout);
+  // Before an output that leads to the same pipe or terminal.
+  std::fflush(stdout);
 }
 
 }  // namespace

@@ -63,6 +63,13 @@ class Faults(unittest.TestCase):
         self.assertEqual(subprocess.run(["sh", "-c", closed], cwd=self.at).returncode, 0)
         self.assertEqual((self.at / "closed").read_bytes(), whole)
 
+    def test_output_after_the_banner_on_one_pipe(self):
+        self.run_it("-w", "-o", "out", "-i", "in.svf", status=0)
+        text = self.run_it("-w", "-o", "/dev/stdout", "-i", "in.svf", status=0)
+        banner, _, output = text.partition("All rights reserved.\n\n\n")
+        self.assertTrue(banner.startswith("\n****** Ondrel"), text[:100])
+        self.assertEqual(output, (self.at / "out").read_text())
+
     def test_messages_and_output_in_one_file(self):
         with open(self.at / "both", "wb") as both:
             self.run_it("-w", "-o", "both", "-i", "in.svf", status=1, stdout=both)
