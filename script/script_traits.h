@@ -6,27 +6,9 @@
 
 namespace progmode_svf2tapbus {
 
-inline constexpr tapforge::MessageStyle kMessageStyle = {
-    .toolName = "svf2tapbus",
-    .startLabel = "Start ",
-    .finishLabel = "Finish",
-    .elapsedLead = "     Elapsed time (",
-    .elapsedTail = ")\t",
-    .screenRewind = "\r",
-    // A carriage return and 58 blanks.
-    .screenWipe = "\r                                                          ",
-};
-
-inline constexpr tapforge::SyntaxRules kSyntaxRules = {
-    .numberTooLong = "Beyond max number width [30]",
-    .tokenMissing = {"Expecting [", "]"},
-    .endOfFile = "Unexpected EOF",
-    .endOfFileHasPosition = true,
-    .blankEndsWord = true,
-    .blankIsItem = false,
-    .hexEndsWithFile = false,
-    .timesNeedFrequency = false,
-};
+/// What mode 0 says and reads differently from mode 1.
+extern const tapforge::MessageStyle kMessageStyle;
+extern const tapforge::SyntaxRules kSyntaxRules;
 
 }  // namespace progmode_svf2tapbus
 

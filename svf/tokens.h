@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "shell/io/reporter.h"
+#include "shell/reporter.h"
 #include "svf/source_reader.h"
 
 namespace tapforge {
@@ -22,8 +22,8 @@ class Lexer {
   Lexer(SourceReader& source, Reporter& report)
       : source_(source),
         report_(report),
-        blankEndsWord_(source.syntax().blankEndsWord),
-        blankIsItem_(source.syntax().blankIsItem) {}
+        blankEndsWord_(report.dialect().blankEndsWord),
+        blankIsItem_(report.dialect().blankIsItem) {}
 
   /// The first token of a statement; false when only white space and comments
   /// were left before the end of the file.

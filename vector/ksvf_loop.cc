@@ -1,58 +1,81 @@
 #include "vector/ksvf_loop.h"
 
-#include <utility>
+#include <algorithm>
+#include <optional>
 
 #include "scan/scan_statement.h"
-#include "svf/clock_statements.h"
-#include "svf/pio.h"
-#include "svf/statements.h"
+#include "shell/io/text.h"
+#include "svf/numbers.h"
+#include "svf/runtest.h"
+#include "svf/state_statements.h"
+#include "vector/ksvf_moves.h"
+#include "vector/ksvf_scans.h"
 #include "vector/ksvf_traits.h"
-#include "vector/move_writer.h"
-#include "vector/scan_writer.h"
 
 namespace progmode_svf2ksvf {
 namespace {
 
-/// The loop over the statements. What it adds to their handlers is the order:
-/// which pending scan goes out when, and where the comments of -kprintsrc
-/// stand.
-class StatementLoop final : private CommentSink {
+using tapforge::concat;
+using tapforge::FileChannel;
+using tapforge::Where;
+
+/// Hands what the parsers read to the writers. What it adds is the order: which
+/// pending scan goes out when, where the source comments of -kprintsrc stand, and
+/// which end state waits for the RUNTEST after it.
+class KsvfLoop final : private tapforge::CommentSink {
  public:
-  StatementLoop(const KsvfVars& vars, CharReader& source, OutputFile& output, OutputFile* listing,
-                Reporter& report)
+  KsvfLoop(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
+           OutputFile* listing, Reporter& report)
       : vars_(vars),
-        source_(source),
-        run_(source, report),
-        bytes_(vars, output, listing, report),
-        scans_(vars, bytes_, run_.tap, report),
-        moves_(vars, run_, bytes_, scans_) {
-    source_.setCommentSink(this);
-    if (vars_.iOptPrintSrc >= 2) source_.keepEcho(vars_.g_lMaxLinesToCopy);
+        report_(report),
+        channel_(input, kSyntaxRules, report, this),
+        commands_(output, listing, report),
+        scans_(vars, commands_, pGlobTapData_, report),
+        moves_(vars, commands_) {
+    if (vars_.iOptPrintSrc >= 2) channel_.keepSrcEcho(vars_.g_lMaxLinesToCopy);
   }
 
   bool processSVF() {
-    bytes_.ksvfHeader();
-    if (vars_.iOptPrintSrc >= 1) {
-      bytes_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, CharReader::kMaxEcho));
-    }
+    ksvfHeader();
     bool allKnown = true;
     for (;;) {
-      source_.resetSrcLineBuf();
-      if (!run_.lexer.lexKeyword()) break;
-      const Keyword keyword = tapforge::keywordOf(run_.lexer);
+      channel_.resetSrcLineBuf();
+      if (!channel_.lexKeyword()) break;
+      const Keyword keyword = tapforge::keywordOf(channel_);
       if (keyword == Keyword::unknown) {
-        allKnown = tapforge::skipUnknown(run_) && allKnown;
+        allKnown = tapforge::skipUnknown(channel_) && allKnown;
       } else {
         doStatement(keyword);
       }
     }
-    scans_.writePending(RunCount::reset);
-    bytes_.ksvfTrailer();
+    ksvfTrailer();
     return allKnown;
   }
 
  private:
-  void commentRead() override { bytes_.writeSvfSrc(source_, true); }
+  void ksvfHeader() {
+    commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
+    if (vars_.iOptPrintSrc >= 1) {
+      commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
+    }
+  }
+
+  void ksvfTrailer() {
+    scans_.writePending(StaleCount::cancel);
+    commands_.write(Command::KCOMPLETE);
+  }
+
+  // Comments of the source go out with the text before them, which is then not
+  // repeated with the statement.
+  void commentText(std::string_view /*piece*/) override {}
+  void commentEnd() override {
+    writeSvfSrc();
+    channel_.resetSrcLineBuf();
+  }
+
+  void writeSvfSrc() {
+    if (vars_.iOptPrintSrc >= 2) commands_.writeComment(channel_.srcEcho());
+  }
 
   void doStatement(Keyword keyword) {
     switch (keyword) {
@@ -68,92 +91,186 @@ class StatementLoop final : private CommentSink {
         doRunTest();
         return;
       case Keyword::endir:
-        moves_.doEndState(ScanRegister::instruction);
-        break;
       case Keyword::enddr:
-        moves_.doEndState(ScanRegister::data);
+        doEndState(registerOf(keyword));
         break;
       case Keyword::state:
-        moves_.doState();
+        doState();
         break;
       case Keyword::frequency:
-        scans_.writePending(RunCount::reset);
-        tapforge::readFrequency(run_);
+        doFrequency();
         break;
       case Keyword::trst:
-        scans_.writePending(RunCount::reset);
-        tapforge::readTrstMode(run_);
-        tapforge::finishTrst(run_);
+        doTrst();
         break;
       case Keyword::piomap:
-        scans_.writePending(RunCount::reset);
-        tapforge::readPioMap(run_);
+        doPioMap();
         break;
       case Keyword::pio:
-        scans_.writePending(RunCount::reset);
-        tapforge::readPio(run_);
+        doPio();
         break;
       case Keyword::unknown:
-        break;
+        return;
     }
-    bytes_.writeSvfSrc(source_, false);
+    writeSvfSrc();
     scans_.setRunTestFlag(false);
   }
 
-  void doRunTest() {
-    run_.tap.iSvfTrstRule = true;
-    scans_.setRunTestFlag(true);
-    moves_.doRunTest();
-    bytes_.writeSvfSrc(source_, false);
-    run_.tap.iCurState = run_.tap.iRunEndState;
-    if (moves_.writeDelayedEndState()) scans_.setRunTestFlag(false);
+  void doScan(Keyword keyword) {
+    scans_.writeOverwritten(keyword);
+    if (shiftsData(keyword)) pGlobTapData_.iSvfTrstRule = true;
+    const bool accepted = tapforge::readTapData(keyword, pGlobTapData_, channel_);
+    writeSvfSrc();
+    if (!accepted) tapforge::endByRuleViolation(report_);
+    if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
+    if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
+    scans_.doDataShift(keyword);
+    // An SDR leaves the flag set: one RUNTEST before several SDRs applies to each.
+    if (keyword != Keyword::sdr) scans_.setRunTestFlag(false);
   }
 
-  void doScan(Keyword scan) {
-    writeEarlierScans(scan);
-    const bool isScan = scan == Keyword::sir || scan == Keyword::sdr;
-    if (isScan) run_.tap.iSvfTrstRule = true;
-    tapforge::CTapPattern& pattern = tapforge::patternOf(scan, run_.tap);
-    const tapforge::ScanData data = tapforge::readTapData(isScan, pattern, run_);
-    bytes_.writeSvfSrc(source_, false);
-    tapforge::storeScan(pattern, data, run_);
-    if (scan == Keyword::sdr) run_.tap.iCurState = run_.tap.iEndDrState;
-    if (scan == Keyword::sir) run_.tap.iCurState = run_.tap.iEndIrState;
-    scans_.doDataShift(scan);
-    // After an SDR it stands: a count before a run of SDRs counts for them all.
-    if (scan != Keyword::sdr) scans_.setRunTestFlag(false);
-  }
-
-  // A scan statement makes its own kind's pending scan go out before it is
-  // read; a header or trailer changes what both kinds would write.
-  void writeEarlierScans(Keyword scan) {
-    const bool wasPending = scan == Keyword::sdr ? scans_.sdrPending() : scans_.sirPending();
-    if (scan == Keyword::sdr) {
-      scans_.writeSdr(RunCount::reset);
-    } else if (scan == Keyword::sir) {
-      scans_.writeSir(RunCount::reset);
-    } else {
-      scans_.writePending(RunCount::reset);
-      scans_.setRunTestFlag(false);
-      return;
+  void doState() {
+    scans_.writePending(StaleCount::cancel);
+    tapforge::StatePathReader pStatePath(iCurState_, channel_);
+    TapState previous = iCurState_;
+    while (const auto step = pStatePath.next()) {
+      if (step->oneClock) {
+        moves_.addTapTransition(step->state);
+      } else {
+        moves_.doStableState(previous, step->state);
+      }
+      previous = step->state;
     }
-    if (wasPending) scans_.setRunTestFlag(false);
+    iCurState_ = previous;
+  }
+
+  // Looks at the next keyword and leaves it for the loop.
+  bool nextIsRunTest() {
+    if (!channel_.lexKeyword()) return false;
+    channel_.unlex();
+    return channel_.is("runtest");
+  }
+
+  void doEndState(ScanRegister which) {
+    const TapState state = tapforge::readEndState(channel_);
+    (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
+    const bool beforeRunTest = nextIsRunTest();
+    if (beforeRunTest && !vars_.giUseKwait) {
+      delayedEndxR_ = {which, state};
+    } else {
+      writeEndState({which, state});
+    }
+  }
+
+  struct EndState {
+    ScanRegister which;
+    TapState state;
+  };
+
+  void writeEndState(const EndState& end) {
+    scans_.writePending(StaleCount::cancel);
+    moves_.endState(end.which, end.state);
+  }
+
+  void doRunTest() {
+    pGlobTapData_.iSvfTrstRule = true;
+    scans_.setRunTestFlag(true);
+    if (vars_.giUseKwait) scans_.writePending(StaleCount::keep);
+    std::int64_t count = readRunCount();
+    // RUNTESTs in a row are one wait.
+    while (!vars_.giUseKwait && nextIsRunTest()) {
+      channel_.lex();
+      count = tapforge::saturatedSum(count, readRunCount());
+    }
+    count = std::max(count, vars_.lRunMin);
+    if (vars_.giUseKwait) {
+      moves_.wait(pGlobTapData_.iRunState, pGlobTapData_.iRunEndState, count);
+    } else {
+      if (scans_.writeRunCount(count) && vars_.iMultipleRunTest) scans_.writeEmptyScan();
+      scans_.writePending(StaleCount::keep);
+    }
+    writeSvfSrc();
+    iCurState_ = pGlobTapData_.iRunEndState;
+    if (delayedEndxR_) {
+      writeEndState(*delayedEndxR_);
+      scans_.setRunTestFlag(false);
+      delayedEndxR_.reset();
+    }
+  }
+
+  // Reads one RUNTEST, stores its states and returns its count in TCKs.
+  std::int64_t readRunCount() {
+    tapforge::RunTestNumbers numbers;
+    tapforge::RunTestReader reader(channel_);
+    while (const auto part = reader.next()) {
+      numbers.add(*part);
+      using Kind = tapforge::RunTestPart::Kind;
+      if (part->kind == Kind::runState) pGlobTapData_.iRunState = part->state;
+      if (part->kind == Kind::endState) pGlobTapData_.iRunEndState = part->state;
+      if (part->kind == Kind::time) numbers.fRunCount = countOfTime(*part);
+    }
+    tapforge::checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
+    return tapforge::truncated(numbers.fRunCount);
+  }
+
+  float countOfTime(const tapforge::RunTestPart& part) {
+    const std::int64_t frequency = vars_.lGlobTckFreq;
+    if (frequency == -1) {
+      report_.warning("Use tck_freq option to convert time delay into equivalent TCK count");
+      report_.fatal("Delay must be in terms of TCK count", Where::nowhere);
+    }
+    report_.warning(
+        concat("Converting delay to equivalent TCK count using tck_freq = ", frequency, " Hz"),
+        Where::nowhere);
+    const tapforge::Number& time = part.number;
+    const bool whole = time.kind == tapforge::Number::Kind::integer;
+    const std::int64_t clocks =
+        whole ? tapforge::saturatedProduct(time.integer, frequency)
+              : tapforge::truncated(time.real * static_cast<float>(frequency));
+    report_.warning(concat("=> ", whole ? std::to_string(time.integer) : std::to_string(time.real),
+                           " ", channel_.tokenLower(), " to ", clocks, " TCKs"));
+    return static_cast<float>(clocks);
+  }
+
+  void doFrequency() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.fTckFreq = tapforge::readFrequency(channel_);
+  }
+
+  void doTrst() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.iTrstMode =
+        tapforge::readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+  }
+
+  void doPioMap() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.pPioMap = tapforge::readPioMap(channel_);
+  }
+
+  void doPio() {
+    scans_.writePending(StaleCount::cancel);
+    tapforge::readPio(pGlobTapData_.pPioMap, channel_);
   }
 
   const KsvfVars& vars_;
-  CharReader& source_;
-  Run run_;
-  ByteWriter bytes_;
-  ScanWriter scans_;
-  MoveWriter moves_;
+  Reporter& report_;
+  FileChannel channel_;
+  CTapObj pGlobTapData_;
+  CommandWriter commands_;
+  KsvfScans scans_;
+  KsvfMoves moves_;
+
+  TapState iCurState_ = TapState::reset;  // that the file has brought the TAP to
+  // An ENDIR or ENDDR whose command goes out after the RUNTEST that follows it.
+  std::optional<EndState> delayedEndxR_;
 };
 
 }  // namespace
 
 bool processSVF(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
                 OutputFile* listing, Reporter& report) {
-  CharReader source(std::move(input.file), input.name, kSyntaxRules, report);
-  return StatementLoop(vars, source, output, listing, report).processSVF();
+  return KsvfLoop(vars, input, output, listing, report).processSVF();
 }
 
 }  // namespace progmode_svf2ksvf

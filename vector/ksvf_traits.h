@@ -6,31 +6,9 @@
 
 namespace progmode_svf2ksvf {
 
-inline constexpr tapforge::MessageStyle kMessageStyle = {
-    .toolName = "svf2ksvf",
-    .startLabel = "Start  ",
-    .finishLabel = "Finish ",
-    .elapsedLead = "      Elapsed Time (",
-    .elapsedTail = ")",
-    // A carriage return, 79 blanks and a carriage return.
-    .screenRewind =
-        "\r                                        "
-        "                                       \r",
-    .screenWipe =
-        "\r                                        "
-        "                                       \r",
-};
-
-inline constexpr tapforge::SyntaxRules kSyntaxRules = {
-    .numberTooLong = "number exceeds [30] digits",
-    .tokenMissing = {"Token [", "] not found"},
-    .endOfFile = "EOF_CH",
-    .endOfFileHasPosition = false,
-    .blankEndsWord = false,
-    .blankIsItem = true,
-    .hexEndsWithFile = true,
-    .timesNeedFrequency = true,
-};
+/// What mode 1 says and reads differently from mode 0.
+extern const tapforge::MessageStyle kMessageStyle;
+extern const tapforge::SyntaxRules kSyntaxRules;
 
 }  // namespace progmode_svf2ksvf
 

@@ -23,7 +23,7 @@ struct KsvfVars {
   bool iSkipTdoTest = false;            // -s: no expected values
   bool giUseKwait = false;              // -kwait: KWAIT instead of KRUNTEST
   bool iOptShowAllOpts = false;         // -kshowallopts: the help lists internal options
-  std::int64_t g_lMaxLinesToCopy = -1;  // -kmaxsrclines: last line that is echoed; below 1 all
+  std::int64_t g_lMaxLinesToCopy = -1;  // -kmaxsrclines: last line echoed; below 1 all
   std::string g_csVerStr{};             // -ver: a comment at the top of the file
   std::int64_t lGlobTckFreq = -1;       // -tck_freq: Hz; -1 not given
 };

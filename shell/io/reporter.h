@@ -46,7 +46,7 @@ class InputPosition {
   virtual ~InputPosition() = default;
   /// The lines that follow a message's text: file, line number, last item read
   /// and, where the mode shows it, the source line with a caret.
-  virtual std::string positionText() const = 0;
+  virtual std::string positionText() = 0;
 };
 
 /// Thrown by every end of a run before its time: an error that has been
@@ -118,7 +118,7 @@ class Reporter {
   /// Where messages are kept; null for nowhere. Not owned.
   void setLog(OutputFile* log) { log_ = log; }
   /// What messages take their place from; null for none. Not owned.
-  void setInput(const InputPosition* input) { input_ = input; }
+  void setInput(InputPosition* input) { input_ = input; }
 
  protected:
   /// Send finished text to standard output and standard error; tests replace
@@ -133,7 +133,7 @@ class Reporter {
 
   const MessageStyle& style_;
   OutputFile* log_ = nullptr;
-  const InputPosition* input_ = nullptr;
+  InputPosition* input_ = nullptr;
   std::time_t t_TimeStart_ = 0;  // 0: not started
   bool iDbg_SCR_ACTIVITY_ = false;
 };

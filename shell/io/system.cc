@@ -14,6 +14,7 @@
 // After windows.h, which it needs.
 #include <shellapi.h>
 #else
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -180,5 +181,15 @@ FileStatus fileStatus(std::FILE* file) {
 }
 
 #endif
+
+void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_HUGEPAGE
+  constexpr std::size_t kPage = 4096;
+  constexpr std::size_t kWorthwhile = std::size_t{4} * 1024 * 1024;
+  void* pages = data;
+  if (size < kWorthwhile || std::align(kPage, kPage, pages, size) == nullptr) return;
+  madvise(pages, size / kPage * kPage, MADV_HUGEPAGE);
+#endif
+}
 
 }  // namespace tapforge

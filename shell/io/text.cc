@@ -20,14 +20,6 @@ std::string paddedDecimal(std::int64_t value, int width) {
   return padded(std::to_string(value), width, ' ');
 }
 
-std::string paddedHex(std::uint32_t value, int width, HexCase hexCase) {
-  std::array<char, 8> digits{};
-  const auto [end, error] = std::to_chars(digits.begin(), digits.end(), value, 16);
-  std::string text(digits.begin(), end);
-  if (hexCase == HexCase::upper) text = xToUpper(text);
-  return padded(std::move(text), width, '0');
-}
-
 std::string shortExponent(double value) {
   std::array<char, 32> digits{};
   const auto [end, error] =

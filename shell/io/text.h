@@ -28,13 +28,8 @@ std::string concat(const Pieces&... pieces) {
   return text;
 }
 
-enum class HexCase { lower, upper };
-
 /// Decimal, with blanks in front up to `width` characters.
 std::string paddedDecimal(std::int64_t value, int width);
-
-/// Hex digits, with zeros in front up to `width` characters.
-std::string paddedHex(std::uint32_t value, int width, HexCase hexCase);
 
 /// One digit, point, two digits, exponent of at least two digits: the form in
 /// which times are written ("1.50e-03"), whatever the locale is.

@@ -35,7 +35,7 @@ const std::string kSir = "SIR 8 TDI (01);";
 const std::string kSdr = "SDR 8 TDI (01);";
 const std::string kWait = "RUNTEST 7 TCK;";
 
-TEST(ScanWriter, RunCountsOfStatementSequences) {
+TEST(KsvfScans, RunCountsOfStatementSequences) {
   struct Case {
     std::string svf;
     std::string expected;
@@ -61,7 +61,7 @@ TEST(ScanWriter, RunCountsOfStatementSequences) {
   for (const Case& each : cases) EXPECT_EQ(commands(each.svf), each.expected) << each.svf;
 }
 
-TEST(ScanWriter, HeldBackEndStates) {
+TEST(KsvfScans, HeldBackEndStates) {
   KsvfVars vars{.iOptMinKstateUsage = false, .iKsvfExt = true};
   vars.lFpgaRecSize = 128;
   EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars), "RUNTEST7 SDRSIZE8 SDRTDO ENDDR");
@@ -72,7 +72,7 @@ TEST(ScanWriter, HeldBackEndStates) {
   EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars), "SDRSIZE8 RUNTEST0 SDRTDO ENDDR WAIT");
 }
 
-TEST(ScanWriter, CutsLongScansIntoRecords) {
+TEST(KsvfScans, CutsLongScansIntoRecords) {
   const auto records = [](long bits) {
     return commands(tapforge::concat("SDR ", bits, " TDI (0);"),
                     {.iFpgaFormat = true, .lFpgaRecSize = 128});
@@ -83,7 +83,7 @@ TEST(ScanWriter, CutsLongScansIntoRecords) {
   EXPECT_EQ(records(300), "SDRSIZE128 RUNTEST0 SDRB SDRC SDRSIZE44 SDRE");
 }
 
-TEST(ScanWriter, WritesAMaskOnlyWhenItsLeadingDigitsDiffer) {
+TEST(KsvfScans, WritesAMaskOnlyWhenItsLeadingDigitsDiffer) {
   const auto masks = [](std::string_view svf) {
     const std::string listing = toKsvf(svf).listing;
     std::string text;
@@ -101,7 +101,7 @@ TEST(ScanWriter, WritesAMaskOnlyWhenItsLeadingDigitsDiffer) {
   EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(fa); SDR 4 TDI(0) TDO(1) MASK(a);"), "fa 0a ");
 }
 
-TEST(ByteWriter, PacksVectorsIntoWholeBytes) {
+TEST(CommandWriter, PacksVectorsIntoWholeBytes) {
   const auto instruction = [](long bits, std::string_view tdi) {
     const std::string svf = tapforge::concat("SIR ", bits, " TDI (", tdi, ");");
     const std::string output = toKsvf(svf).output;
@@ -118,8 +118,7 @@ TEST(ByteWriter, PacksVectorsIntoWholeBytes) {
   EXPECT_EQ(instruction(9, "1ff"), "020901ff");
   EXPECT_EQ(instruction(12, "abc"), "020c0abc");
   EXPECT_EQ(instruction(255, std::string(64, '7')), tapforge::concat("02ff", std::string(64, '7')));
-  EXPECT_EQ(instruction(256, std::string(64, 'a')),
-            tapforge::concat("150100", std::string(64, 'a')));
+  EXPECT_EQ(instruction(256, std::string(64, 'a')), tapforge::concat("150100", std::string(64, 'a')));
   EXPECT_EQ(instruction(68, "123456789abcdef01"), "02440123456789abcdef01");
 }
 
