@@ -118,7 +118,8 @@ TEST(CommandWriter, PacksVectorsIntoWholeBytes) {
   EXPECT_EQ(instruction(9, "1ff"), "020901ff");
   EXPECT_EQ(instruction(12, "abc"), "020c0abc");
   EXPECT_EQ(instruction(255, std::string(64, '7')), tapforge::concat("02ff", std::string(64, '7')));
-  EXPECT_EQ(instruction(256, std::string(64, 'a')), tapforge::concat("150100", std::string(64, 'a')));
+  EXPECT_EQ(instruction(256, std::string(64, 'a')),
+            tapforge::concat("150100", std::string(64, 'a')));
   EXPECT_EQ(instruction(68, "123456789abcdef01"), "02440123456789abcdef01");
 }
 
