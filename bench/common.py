@@ -1,4 +1,4 @@
-"""The ways to convert that the benches judge."""
+"""The ways to convert, and what the tools of this folder have in common."""
 
 import os
 
@@ -10,7 +10,6 @@ MODES = {
     "ksvf": (["-ksvf"], ".ksvf"),
     "ksvf -a": (["-ksvf"], ".a.ksvf"),
 }
-DEFAULT_PROGRAM = "build/release/tapforge"
 
 
 def conversion(program, mode, source):
@@ -24,8 +23,24 @@ def conversion(program, mode, source):
     return command, outputs
 
 
+def remove(files):
+    for file in files:
+        if os.path.exists(file):
+            os.remove(file)
+
+
+def verdict(value, goal):
+    return "PASS" if value <= goal else f"+{100 * (value / goal - 1):.0f}%"
+
+
+def processor_name():
+    with open("/proc/cpuinfo", encoding="ascii", errors="replace") as file:
+        names = (line.partition(":")[2].strip() for line in file if line.startswith("model name"))
+        return next(names, "unknown")
+
+
 def add_program(parser):
-    parser.add_argument("--program", default=DEFAULT_PROGRAM)
+    parser.add_argument("--program", default="build/release/tapforge")
 
 
 def found_program(parser, args):
