@@ -1,5 +1,5 @@
-// The loops that every character of a large file passes through. The fast ones
-// are compared with their plain twins before they are timed.
+// The loops that every character of a large file passes through. The one that
+// decodes hex digits is compared with its scalar version before it is timed.
 
 #include <benchmark/benchmark.h>
 
@@ -37,7 +37,7 @@ void hexDigitsIn(benchmark::State& state, Decode* decode) {
   tapforge::plain::decodeHex(begin, kDigits, reference.data(), kDigits - 1);
   if (row != reference) std::abort();
   for (auto _ : state) {
-    // Whole bytes are written over and over: the same digits, so the same row.
+    // Decodes the same digits into the same row every time.
     benchmark::DoNotOptimize(decode(begin, kDigits, row.data(), kDigits - 1));
   }
   state.SetBytesProcessed(state.iterations() * static_cast<long>(kDigits));

@@ -1,4 +1,4 @@
-"""Reckons what a workload must convert to, in whole numbers instead of digit rows.
+"""What a workload must convert to, worked out from each value as one whole number.
 
 Covers the statements that the workloads use. They give every value of a scan
 anew, so that nothing is carried over from the statement before.
@@ -17,16 +17,16 @@ TAPBUS = {
     "STATE": "run_state_tapbus %s\n",
     "TRST": "# TRST %s ;\n",
 }
-# Code: name, bytes of its number, vectors, form of its number in the listing.
-COMMANDS = {
-    0: ("KCOMPLETE", 0, 0, ""),
-    1: ("KTDOMASK", 0, 1, ""),
-    2: ("KSIR", 1, 1, " 0x%02X"),
-    4: ("KRUNTEST", 4, 0, " 0x%08X"),
-    7: ("KREPEAT", 1, 0, " 0x%02X"),
-    8: ("KSDRSIZE", 4, 0, " 0x%08X"),
-    9: ("KSDRTDO", 0, 2, ""),
-    18: ("KSTATE", 1, 0, " 0x%02x"),
+# Command: code, bytes of its number, form of its number in the listing.
+KSVF = {
+    "KCOMPLETE": (0, 0, ""),
+    "KTDOMASK": (1, 0, ""),
+    "KSIR": (2, 1, " 0x%02X"),
+    "KRUNTEST": (4, 4, " 0x%08X"),
+    "KREPEAT": (7, 1, " 0x%02X"),
+    "KSDRSIZE": (8, 4, " 0x%08X"),
+    "KSDRTDO": (9, 0, ""),
+    "KSTATE": (18, 1, " 0x%02x"),
 }
 
 
@@ -132,85 +132,62 @@ def script(path, form):
                 yield " ;\n"
 
 
-def operations(path):
-    """What a KSVF player must do: its frame, the state moves, and each scan of
-    the whole chain with the wait after it."""
+def scan_commands(word, bits, values, clocks, force):
+    """The commands of a scan of the whole chain and the wait after it. What the
+    player has in force already is not written again."""
+    vectors = [values.get(name, 0).to_bytes((bits + 7) // 8, "big")
+               for name in ("TDI", "TDO", "MASK")]
+    wanted = [("KRUNTEST", clocks)]
+    if word == "SDR":
+        wanted += [("KSDRSIZE", bits), ("KTDOMASK", vectors.pop())]
+    for name, value in wanted:
+        if force.get(name) == value:
+            continue
+        force[name] = value
+        yield (name, None, value) if name == "KTDOMASK" else (name, value)
+    yield ("KSIR", bits, vectors[0]) if word == "SIR" else ("KSDRTDO", None, *vectors)
+
+
+def commands(path):
+    """The commands of a KSVF file: name, number or None, vectors."""
     yield "KREPEAT", 32
-    chain, scan = Chain(), None
+    chain, scan, force = Chain(), None, {}
     for word, rest, bits, values in statements(path):
         if scan:
-            yield *scan, int(rest.split()[0]) if word == "RUNTEST" else 0
+            yield from scan_commands(*scan, int(rest.split()[0]) if word == "RUNTEST" else 0, force)
             scan = None
         if word == "STATE":
             yield "KSTATE", ("RESET", "IDLE").index(rest)
         elif word[0] == "S":
-            bits, values = chain.whole(word, bits, values)
-            names = ("TDI",) if word == "SIR" else ("TDI", "TDO", "MASK")
-            vectors = (values.get(name, 0).to_bytes((bits + 7) // 8, "big") for name in names)
-            scan = "K" + word, bits, *vectors
+            scan = word, *chain.whole(word, bits, values)
         elif word in SCANS:
             chain.set(word, bits, values)
     yield "KCOMPLETE", None
 
 
-def commands(data):
-    """The commands of a KSVF file: name, number (or None), vectors, number form."""
-    at = size = 0
-    while at < len(data):
-        name, width, count, form = COMMANDS[data[at]]
-        number = int.from_bytes(data[at + 1:at + 1 + width], "big") if width else None
-        at += 1 + width
-        size = number if name == "KSDRSIZE" else size
-        step = ((number if name == "KSIR" else size) + 7) // 8
-        yield name, number, [data[at + i * step:at + (i + 1) * step] for i in range(count)], form
-        at += count * step
+def ksvf(path):
+    for name, number, *vectors in commands(path):
+        code, width, _ = KSVF[name]
+        yield bytes((code,)) + (number.to_bytes(width, "big") if width else b"") + b"".join(vectors)
 
 
-def replay(data):
-    """What a player does with a KSVF file, to be compared with operations()."""
-    force = {"KSDRSIZE": 0, "KTDOMASK": None, "KRUNTEST": None}
-    for name, number, vectors, _ in commands(data):
-        if name in force:
-            value = vectors[0] if vectors else number
-            if force[name] == value:
-                yield "needless", name
-            force[name] = value
-        elif name == "KSIR":
-            yield name, number, *vectors, force["KRUNTEST"]
-        elif name == "KSDRTDO":
-            yield "KSDR", force["KSDRSIZE"], *vectors, force["KTDOMASK"], force["KRUNTEST"]
-        else:
-            yield name, number
+def listing(path):
+    for name, number, *vectors in commands(path):
+        form = KSVF[name][2]
+        line = name + (form % number if form else "")
+        yield line + "".join(f" 0x{vector.hex()}" for vector in vectors) + "\n"
 
 
-def listing(data):
-    for name, number, vectors, form in commands(data):
-        yield name + (form % number if form else "")
-        yield "".join(f" 0x{vector.hex()}" for vector in vectors) + "\n"
-
-
-def text_fault(path, expected):
-    """The first difference between a file and the pieces of text, or None."""
+def difference(path, expected):
+    """The first difference between a file and the pieces of text or bytes that
+    it must consist of, or None."""
     at = 0
-    with open(path, "rb") as found:
-        while batch := "".join(itertools.islice(expected, 4096)).encode():
-            if (piece := found.read(len(batch))) != batch:
-                off = next((i for i, (a, b) in enumerate(zip(piece, batch)) if a != b), len(piece))
-                return (f"byte {at + off}: {batch[max(0, off - 40):off + 40]!r} expected,"
-                        f" {piece[max(0, off - 40):off + 40]!r} found")
-            at += len(batch)
-        return f"more than {at} bytes" if found.read(1) else None
-
-
-def ksvf_fault(path, source):
-    """The first difference between a KSVF file and its source, or None."""
+    pieces = (piece if isinstance(piece, bytes) else piece.encode() for piece in expected)
     with open(path, "rb") as file:
-        data = file.read()
-    try:
-        pairs = itertools.zip_longest(replay(data), operations(source))
-        for index, (found, expected) in enumerate(pairs):
-            if found != expected:
-                return f"operation {index} differs from {(expected or ['none'])[:2]}"
-    except (KeyError, IndexError) as fault:
-        return f"no such command: {fault}"
-    return None
+        while batch := b"".join(itertools.islice(pieces, 4096)):
+            if (found := file.read(len(batch))) != batch:
+                off = next((i for i, (a, b) in enumerate(zip(found, batch)) if a != b), len(found))
+                return (f"byte {at + off}: {batch[max(0, off - 40):off + 40]!r} expected,"
+                        f" {found[max(0, off - 40):off + 40]!r} found")
+            at += len(batch)
+        return f"more than {at} bytes" if file.read(1) else None
