@@ -50,6 +50,30 @@ enum KsvfState {
   KSVF_IR_UPDATE
 };
 
+/* Commands by their codes in the file. */
+enum KsvfCommand {
+  KCOMPLETE = 0,
+  KTDOMASK = 1,
+  KSIR = 2,
+  KSDR = 3,
+  KRUNTEST = 4,
+  KREPEAT = 7,
+  KSDRSIZE = 8,
+  KSDRTDO = 9,
+  KSDRB = 12,
+  KSDRC = 13,
+  KSDRE = 14,
+  KSDRTDOB = 15,
+  KSDRTDOC = 16,
+  KSDRTDOE = 17,
+  KSTATE = 18,
+  KENDIR = 19,
+  KENDDR = 20,
+  KSIR2 = 21,
+  KCOMMENT = 22,
+  KWAIT = 23
+};
+
 enum KsvfResult {
   KSVF_PLAYING,         /* not at the end yet */
   KSVF_DONE,            /* KCOMPLETE reached */
@@ -74,10 +98,10 @@ struct KsvfPlayer {
   bool wait_after_data_only; /* players of version 2; set it between ksvf_begin and the play */
 
   /* Where the play is. */
-  uint8_t result;          /* enum KsvfResult */
-  uint8_t state;           /* enum KsvfState: where the TAP is */
-  uint8_t command;         /* code of the last command read */
-  uint32_t offset;         /* bytes read */
+  uint8_t result;  /* enum KsvfResult */
+  uint8_t state;   /* enum KsvfState: where the TAP is, in ksvf_port_clock() before the clock */
+  uint8_t command; /* enum KsvfCommand: the last one read, or an unknown code */
+  uint32_t offset; /* bytes read */
   uint32_t command_offset; /* offset of the code of that command */
 
   /* The current scan, after its end the last one. */
