@@ -169,10 +169,8 @@ static void wait_after_scan(struct KsvfPlayer* player) {
 }
 
 static void read_scan(struct KsvfPlayer* player, uint32_t bits, enum KsvfCompare compare) {
-  if (bits > KSVF_MAX_BITS) {
-    end_with(player, KSVF_SCAN_TOO_LONG);
-    return;
-  }
+  if (bits > KSVF_MAX_BITS) end_with(player, KSVF_SCAN_TOO_LONG);
+  if (!playing(player)) return;
   player->bits = bits;
   player->compare = (uint8_t)compare;
   player->tries = 0;
@@ -181,17 +179,16 @@ static void read_scan(struct KsvfPlayer* player, uint32_t bits, enum KsvfCompare
 }
 
 static void instruction_scan(struct KsvfPlayer* player, uint32_t bits) {
+  if (bits == 0) end_with(player, KSVF_BAD_OPERAND);
   read_scan(player, bits, KSVF_COMPARE_NONE);
   if (!playing(player)) return;
-  if (bits > 0) {
-    ++player->scan;
-    player->instruction = true;
-    player->bits_before = 0;
-    go_to(player, KSVF_IR_CAPTURE);
-    go_to(player, KSVF_IR_SHIFT);
-    (void)shift(player, true);
-    go_to(player, player->end_ir);
-  }
+  ++player->scan;
+  player->instruction = true;
+  player->bits_before = 0;
+  go_to(player, KSVF_IR_CAPTURE);
+  go_to(player, KSVF_IR_SHIFT);
+  (void)shift(player, true);
+  go_to(player, player->end_ir);
   if (!player->wait_after_data_only) wait_after_scan(player);
 }
 
@@ -227,10 +224,11 @@ static void data_scan(struct KsvfPlayer* player, enum KsvfCompare compare) {
 /* A record of a partitioned scan. The TAP stays in Shift-DR until the last one. */
 static void record(struct KsvfPlayer* player, bool first, bool last, enum KsvfCompare compare) {
   const uint32_t before = first ? 0 : player->bits_before + player->bits;
-  if (first == player->in_records || player->data_bits == 0) {
+  if (first == player->in_records) {
     end_with(player, KSVF_BAD_ORDER);
     return;
   }
+  if (player->data_bits == 0) end_with(player, KSVF_BAD_OPERAND);
   read_scan(player, player->data_bits, compare);
   if (!playing(player)) return;
   player->bits_before = before;

@@ -79,8 +79,8 @@ enum KsvfResult {
   KSVF_DONE,            /* KCOMPLETE reached */
   KSVF_MISMATCH,        /* TDO differed in all tries: see scan, mismatch_bit, expected, seen */
   KSVF_UNKNOWN_COMMAND, /* no KSVF command has this code */
-  KSVF_BAD_ORDER,       /* KREPEAT not first, or a command where none of its kind may stand */
-  KSVF_BAD_OPERAND,     /* a state or end state that the command does not know */
+  KSVF_BAD_ORDER,       /* KREPEAT is not first, or records are not in order */
+  KSVF_BAD_OPERAND,     /* no such state, not a stable one, or no bits to shift */
   KSVF_SCAN_TOO_LONG,   /* more than KSVF_MAX_BITS bits */
   KSVF_TOO_SHORT        /* the stream ended before KCOMPLETE */
 };
