@@ -169,7 +169,7 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
        "1234<000000000000000000000000>581"},
       {"a shorter scan takes the leading digits of the mask",
        "KSDRSIZE 00000010 KTDOMASK ff00 KSDRSIZE 00000008 KSDRTDO 00 ff", "1234<00000000>56",
-       "11111110", "scan 1 bit 7 expected 1 seen 0"},
+       "11101111", "scan 1 bit 3 expected 1 seen 0"},
       {"of an odd number, too, and the mask stays whole",
        "KSDRSIZE 0000000c KTDOMASK 010f KSDRSIZE 00000005 KSDRTDO 00 0f KSDRSIZE 0000000c "
        "KSDRTDO 0000 0007",
@@ -280,14 +280,14 @@ TEST(KsvfPlayer, WaitsAfterDataScansOnlyForOldFiles) {
 TEST(KsvfPlayer, ShowsEachStep) {
   Board board{
       bytesOf("KREPEAT 00 KSIR 01 01 KSDRSIZE 00000001 KSDR 01 KSIR 01 00 KSDRB 00 KSDRE 00 "
-              "KCOMPLETE")};
+              "KSIR 01 00 KCOMPLETE")};
   ksvf_begin(&player, &board);
   std::string seen;
   while (ksvf_step(&player) == KSVF_PLAYING) {
     seen += std::to_string(player.command) + (player.instruction ? "i" : "d") +
-            std::to_string(player.scan) + " ";
+            std::to_string(player.scan) + "+" + std::to_string(player.bits_before) + " ";
   }
-  EXPECT_EQ(seen, "7d0 2i1 8i1 3d2 2i3 12d4 14d4 ");
+  EXPECT_EQ(seen, "7d0+0 2i1+0 8i1+0 3d2+0 2i3+0 12d4+0 14d4+1 2i5+0 ");
 }
 
 TEST(KsvfPlayer, BeginsInResetFromAnyState) {
