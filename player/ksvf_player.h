@@ -1,0 +1,173 @@
+#ifndef KSVF_PLAYER_H_
+#define KSVF_PLAYER_H_
+
+/* A player for KSVF files: C99, no heap, no library functions. It fetches the
+   file byte by byte and clocks the pins of a JTAG chain, both through functions
+   that you write for your board. docs/player.md tells how to port it,
+   docs/ksvf.md what it plays. */
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Settings, each a -D of the compiler, the same for all files that include this. */
+
+#ifndef KSVF_MAX_BITS /* Bits of the longest scan, or record of a partitioned scan. */
+#define KSVF_MAX_BITS 4096
+#endif
+#ifndef KSVF_OWN_WAIT /* 1: you write ksvf_port_wait(). */
+#define KSVF_OWN_WAIT 0
+#endif
+#ifndef KSVF_OWN_COMMENT /* 1: you write ksvf_port_comment(). */
+#define KSVF_OWN_COMMENT 0
+#endif
+
+#if KSVF_MAX_BITS < 1 || KSVF_MAX_BITS > 0x40000000
+#error "KSVF_MAX_BITS must lie between 1 and 2^30"
+#endif
+#define KSVF_MAX_BYTES ((KSVF_MAX_BITS + 7) / 8)
+
+/* TAP states, numbered as in the file. */
+enum KsvfState {
+  KSVF_RESET,
+  KSVF_IDLE,
+  KSVF_DR_SELECT,
+  KSVF_DR_CAPTURE,
+  KSVF_DR_SHIFT,
+  KSVF_DR_EXIT1,
+  KSVF_DR_PAUSE,
+  KSVF_DR_EXIT2,
+  KSVF_DR_UPDATE,
+  KSVF_IR_SELECT,
+  KSVF_IR_CAPTURE,
+  KSVF_IR_SHIFT,
+  KSVF_IR_EXIT1,
+  KSVF_IR_PAUSE,
+  KSVF_IR_EXIT2,
+  KSVF_IR_UPDATE
+};
+
+/* Commands by their codes in the file. */
+enum KsvfCommand {
+  KCOMPLETE = 0,
+  KTDOMASK = 1,
+  KSIR = 2,
+  KSDR = 3,
+  KRUNTEST = 4,
+  KREPEAT = 7,
+  KSDRSIZE = 8,
+  KSDRTDO = 9,
+  KSDRB = 12,
+  KSDRC = 13,
+  KSDRE = 14,
+  KSDRTDOB = 15,
+  KSDRTDOC = 16,
+  KSDRTDOE = 17,
+  KSTATE = 18,
+  KENDIR = 19,
+  KENDDR = 20,
+  KSIR2 = 21,
+  KCOMMENT = 22,
+  KWAIT = 23
+};
+
+enum KsvfResult {
+  KSVF_PLAYING,         /* not at the end yet */
+  KSVF_DONE,            /* KCOMPLETE reached */
+  KSVF_MISMATCH,        /* TDO differed in all tries: see scan, mismatch_bit, expected, seen */
+  KSVF_UNKNOWN_COMMAND, /* no KSVF command has this code */
+  KSVF_BAD_ORDER,       /* KREPEAT is not first, or records are not in order */
+  KSVF_BAD_OPERAND,     /* no such state, not a stable one, or no bits to shift */
+  KSVF_SCAN_TOO_LONG,   /* more than KSVF_MAX_BITS bits */
+  KSVF_TOO_SHORT        /* the stream ended before KCOMPLETE */
+};
+
+/* Which TDO bits of a scan are compared. */
+enum KsvfCompare { KSVF_COMPARE_NONE, KSVF_COMPARE_MASKED, KSVF_COMPARE_ALL };
+
+/* All that a player knows. Read what you like, also from within the port
+   functions; what you may write is said where it stands. Vectors are stored as
+   in the file: a vector of n bits in the first (n + 7) / 8 bytes, most
+   significant byte first, so that bit 0, the first one to be shifted, is the
+   lowest bit of the last of these bytes. */
+struct KsvfPlayer {
+  void* port;                /* what the port functions get */
+  bool wait_after_data_only; /* players of version 2; set it between ksvf_begin and the play */
+
+  /* Where the play is. */
+  uint8_t result;  /* enum KsvfResult */
+  uint8_t state;   /* enum KsvfState: where the TAP is, in ksvf_port_clock() before the clock */
+  uint8_t command; /* enum KsvfCommand: the last one read, or an unknown code */
+  uint32_t offset; /* bytes read */
+  uint32_t command_offset; /* offset of the code of that command */
+
+  /* The current scan, after its end the last one. */
+  uint32_t scan;         /* number, from 1; the records of a partitioned scan have the same */
+  uint32_t bits;         /* length of the scan or record */
+  uint32_t bits_before;  /* bits of a partitioned scan before this record, else 0 */
+  uint8_t tries;         /* how often it has been tried again */
+  uint8_t compare;       /* enum KsvfCompare */
+  bool instruction;      /* register: instruction (true) or data */
+  bool in_records;       /* between the first and the last record of a partitioned scan */
+  bool expected;         /* the first TDO bit that differed in the last try: as the file */
+  bool seen;             /*   has it and as it came */
+  uint32_t mismatch_bit; /*   and its number in the (whole) scan, from 0 */
+
+  /* What holds for the scans to come. */
+  uint8_t repeat;     /* KREPEAT: times to try again */
+  uint8_t end_ir;     /* enum KsvfState: where instruction scans end */
+  uint8_t end_dr;     /* the same for data scans */
+  uint32_t run_count; /* KRUNTEST: clocks after a scan */
+  uint32_t data_bits; /* KSDRSIZE */
+  uint32_t mask_bits; /* length of the mask when it was sent, 0 before the first */
+
+  uint8_t tdi[KSVF_MAX_BYTES];
+  uint8_t tdo[KSVF_MAX_BYTES];  /* expected; meaningless with KSVF_COMPARE_NONE */
+  uint8_t mask[KSVF_MAX_BYTES]; /* as it was sent: ask ksvf_mask_byte() */
+};
+
+/* Makes a player ready for a file and takes the TAP to Test-Logic-Reset. */
+void ksvf_begin(struct KsvfPlayer* player, void* port);
+
+/* Plays the next command. Returns KSVF_PLAYING while there may be more, else
+   how the play ended, and then the same at each further call. */
+enum KsvfResult ksvf_step(struct KsvfPlayer* player);
+
+/* Plays to the end. After KSVF_DONE the TAP is where the last command left it.
+   After any other result a data scan that was not finished or did not match
+   rests in Pause-DR: its bits have not passed Update-DR. */
+enum KsvfResult ksvf_play(struct KsvfPlayer* player);
+
+/* The mask of the current scan for its TDO bits 8 * index (lowest bit of the
+   result) to 8 * index + 7. What stands for bits past the end of the scan means
+   nothing. */
+uint8_t ksvf_mask_byte(const struct KsvfPlayer* player, uint32_t index);
+
+/* The port: you write these. */
+
+/* The next byte of the file, 0 to 255, or -1 at its end. */
+int ksvf_port_read(void* port);
+
+/* One TCK: sets TMS and TDI (0 or 1), then raises and lowers TCK. Returns TDO
+   as it was before TCK rose: 0, or anything else for a 1. */
+int ksvf_port_clock(void* port, int tms, int tdi);
+
+#if KSVF_OWN_WAIT
+/* A wait of so many TCKs with TMS held at a level that keeps the TAP in its
+   state. Without KSVF_OWN_WAIT the player calls ksvf_port_clock() that often. */
+void ksvf_port_wait(void* port, int tms, uint32_t clocks);
+#endif
+
+#if KSVF_OWN_COMMENT
+/* A character of a comment, 1 to 255; 0 at the end of each comment. */
+void ksvf_port_comment(void* port, int character);
+#endif
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KSVF_PLAYER_H_ */
