@@ -9,11 +9,11 @@ namespace {
 // line, a mark under it.
 std::string positionText(const tapforge::SourcePlace& place) {
   std::string text =
-      tapforge::concat("\nFile [", place.fileName, "]\tLine ", place.line, " (last item read [",
-                       place.lastItem, "]):\n", place.lineText, "\n");
-  const auto column = static_cast<std::size_t>(place.column);
-  if (column >= place.lineText.size()) return text;
-  for (const char c : place.lineText.substr(0, column)) text += c == '\t' ? '\t' : ' ';
+      tapforge::concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
+                       " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
+  const auto column = static_cast<std::size_t>(place.iTokenCol);
+  if (column >= place.sSrcLine.size()) return text;
+  for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
   return text + "^*\n";
 }
 

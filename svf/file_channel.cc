@@ -31,7 +31,7 @@ FileChannel::FileChannel(InputFile& input, const SyntaxRules& rules, Reporter& r
       keptBegin_(text_),
       cur_(text_),
       end_(text_),
-      token_(text_) {
+      sToken_(text_) {
   // The block is the only buffer; a second one would just copy again.
   std::setvbuf(pFile_.get(), nullptr, _IONBF, 0);
   report_.setInput(this);
@@ -48,18 +48,18 @@ bool FileChannel::fill() {
   const unsigned char* const kept = cur_ - std::min(kHistory, cur_ - keptBegin_);
   const auto count = static_cast<std::size_t>(end_ - kept);
   assert(count <= kKept);
-  if (inBlock(token_) && token_ < kept) {
+  if (inBlock(sToken_) && sToken_ < kept) {
     tokenAside_ = tokenAsWritten();
-    token_ = reinterpret_cast<const unsigned char*>(tokenAside_.data());
+    sToken_ = reinterpret_cast<const unsigned char*>(tokenAside_.data());
   }
-  const bool tokenMoves = inBlock(token_);
+  const bool tokenMoves = inBlock(sToken_);
   const bool columnMoves = iTokenCol_ != nullptr && iTokenCol_ >= kept;
   const std::ptrdiff_t shift = (text_ - count) - kept;
   std::memmove(text_ - count, kept, count);
   blockOffset_ = offsetOf(end_);
   keptBegin_ = text_ - count;
   cur_ += shift;
-  if (tokenMoves) token_ += shift;
+  if (tokenMoves) sToken_ += shift;
   if (iTokenCol_ != nullptr) iTokenCol_ = columnMoves ? iTokenCol_ + shift : keptBegin_;
 
   const std::size_t got = std::fread(text_, 1, blockSize_, pFile_.get());
@@ -75,8 +75,8 @@ int FileChannel::getFChanChar() {
     if (atEnd_) endOfFile();
     atEnd_ = true;
     if (!rules_.hexEndsWithFile) {
-      iTokenCol_ = token_;
-      token_ = reinterpret_cast<const unsigned char*>(" ");
+      iTokenCol_ = sToken_;
+      sToken_ = reinterpret_cast<const unsigned char*>(" ");
       tokenSize_ = 1;
     }
     return ' ';

@@ -106,7 +106,7 @@ class FileChannel final : public InputPosition {
   std::uint64_t key() const { return key_; }
   /// The current token; good until the next one is read.
   std::string_view tokenAsWritten() const {
-    return {reinterpret_cast<const char*>(token_), tokenSize_};
+    return {reinterpret_cast<const char*>(sToken_), tokenSize_};
   }
   std::string tokenLower() const;
 
@@ -135,7 +135,7 @@ class FileChannel final : public InputPosition {
   /// Takes all characters before `position`, of which `item` is the last to be
   /// shown in messages.
   void advancePast(const unsigned char* item, const unsigned char* position) {
-    token_ = item;
+    sToken_ = item;
     tokenSize_ = 1;
     iTokenType_ = TokenType::other;
     cur_ = position;
@@ -209,7 +209,7 @@ class FileChannel final : public InputPosition {
   void countLinesTo(std::int64_t offset);
   bool endsLine(unsigned char c) const;
   bool endsPart(const unsigned char* p);
-  std::int64_t partLength(const unsigned char* p);
+  std::string_view getSrcLine(std::int64_t begin);
   bool inEmptyPart(std::int64_t to) const;
   SourcePlace place();
   LineRest longLineRest();
@@ -251,7 +251,7 @@ class FileChannel final : public InputPosition {
   bool atEnd_ = false;
 
   // The current token, which is also the last item read.
-  const unsigned char* token_;
+  const unsigned char* sToken_;
   std::size_t tokenSize_ = 0;
   std::uint64_t key_ = 0;
   std::int64_t number_ = 0;

@@ -18,8 +18,8 @@ bool FileChannel::inBlock(const unsigned char* p) const {
 std::int64_t FileChannel::readTo() const {
   if (atEnd_) return offsetOf(end_) + 1;
   std::int64_t to = offsetOf(cur_);
-  if (inBlock(token_)) {
-    const std::int64_t tokenEnd = offsetOf(token_ + tokenSize_) + (lookedAhead() ? 1 : 0);
+  if (inBlock(sToken_)) {
+    const std::int64_t tokenEnd = offsetOf(sToken_ + tokenSize_) + (lookedAhead() ? 1 : 0);
     to = std::max(to, tokenEnd);
   }
   return to;
@@ -53,7 +53,7 @@ void FileChannel::countLinesTo(std::int64_t offset) {
 bool FileChannel::inEmptyPart(std::int64_t to) const {
   const std::int64_t length = lineStart_ - 1 - lineStartBefore_;
   return rules_.linesAreCut && to == lineStart_ && lineEnds_ > 0 && lookedAhead() &&
-         inBlock(token_) && to == offsetOf(token_ + tokenSize_) + 1 && length > 0 &&
+         inBlock(sToken_) && to == offsetOf(sToken_ + tokenSize_) + 1 && length > 0 &&
          length % kMaxLine == 0;
 }
 
@@ -70,16 +70,14 @@ bool FileChannel::endsPart(const unsigned char* p) {
   return (offsetOf(p) - lineStart_) % kMaxLine == 0;
 }
 
-// How many characters of its line follow from `p` (at or after cur_) on, up to
-// kMaxLine.
-std::int64_t FileChannel::partLength(const unsigned char* p) {
-  std::int64_t offset = offsetOf(p);
+// The part of a line from `begin` (an offset) on, up to its end.
+std::string_view FileChannel::getSrcLine(std::int64_t begin) {
   std::int64_t length = 0;
-  for (; length < kMaxLine; ++length, ++offset) {
-    if (at(offset) == end_ && !fill()) break;
-    if (endsLine(*at(offset))) break;
+  for (; length < kMaxLine; ++length) {
+    if (at(begin + length) == end_ && !fill()) break;
+    if (endsLine(*at(begin + length))) break;
   }
-  return length;
+  return {reinterpret_cast<const char*>(at(begin)), static_cast<std::size_t>(length)};
 }
 
 SourcePlace FileChannel::place() {
@@ -88,17 +86,16 @@ SourcePlace FileChannel::place() {
   if (rules_.linesAreCut && !inEmptyPart(to)) {
     // The part that the last character read belongs to.
     const std::int64_t read = to - lineStart_;
-    const std::int64_t begin = lineStart_ + (read > 0 ? (read - 1) / kMaxLine * kMaxLine : 0);
-    const std::int64_t length = partLength(at(std::min(begin, offsetOf(end_))));
-    place.lineText = {reinterpret_cast<const char*>(at(std::min(begin, offsetOf(end_)))),
-                      static_cast<std::size_t>(length)};
-    const unsigned char* const column = iTokenCol_ != nullptr ? iTokenCol_ : token_;
-    if (inBlock(column)) place.column = std::max<std::int64_t>(offsetOf(column) - begin, 0);
+    const std::int64_t begin = std::min(
+        lineStart_ + std::max<std::int64_t>(read - 1, 0) / kMaxLine * kMaxLine, offsetOf(end_));
+    place.sSrcLine = getSrcLine(begin);
+    const unsigned char* const token = iTokenCol_ != nullptr ? iTokenCol_ : sToken_;
+    if (inBlock(token)) place.iTokenCol = std::max<std::int64_t>(offsetOf(token) - begin, 0);
   }
-  place.lastItem = tokenAsWritten();
+  place.sLastItem = tokenAsWritten();
   // A line end that is read as a character of a value reads as a blank.
-  if (rules_.linesAreCut && (place.lastItem == "\n" || place.lastItem == "\r")) {
-    place.lastItem = " ";
+  if (rules_.linesAreCut && (place.sLastItem == "\n" || place.sLastItem == "\r")) {
+    place.sLastItem = " ";
   }
   return place;
 }

@@ -10,11 +10,11 @@ namespace tapforge {
 
 /// A place in the source, as messages show it.
 struct SourcePlace {
-  std::string_view fileName;
-  std::int64_t line;          // the first line is 1
-  std::string_view lastItem;  // the token or character read last, as written
-  std::string_view lineText;  // where lines are cut, the part that was read last
-  std::int64_t column;        // of the last token in lineText, from 0
+  std::string_view sFileName;
+  std::int64_t lLineNum;       // the first line is 1
+  std::string_view sLastItem;  // the token or character read last, as written
+  std::string_view sSrcLine;   // where lines are cut, the part that was read last
+  std::int64_t iTokenCol;      // of the last token in sSrcLine, from 0
 };
 
 /// The ways in which the two program modes read SVF differently. Each mode has

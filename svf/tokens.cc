@@ -58,7 +58,7 @@ bool FileChannel::getToken() {
 inline bool FileChannel::takeWord(const unsigned char* start) {
   const unsigned size = wordPrefix(start);
   if (size >= 16 || start + size >= end_) return takeLong(start, TokenType::word);
-  token_ = start;
+  sToken_ = start;
   tokenSize_ = size;
   key_ = keyOf(start, size);
   iTokenType_ = TokenType::word;
@@ -74,7 +74,7 @@ inline bool FileChannel::getNum(const unsigned char* start) {
     value = 10 * value + (*p - std::uint64_t{'0'});
   } while (isDigit(*++p));
   if (p - start > kNeverTooMany || continuesNumber(*p)) return takeLong(start, TokenType::number);
-  token_ = start;
+  sToken_ = start;
   tokenSize_ = static_cast<std::size_t>(p - start);
   key_ = 0;
   number_ = static_cast<std::int64_t>(value);
@@ -84,7 +84,7 @@ inline bool FileChannel::getNum(const unsigned char* start) {
 }
 
 inline bool FileChannel::takeCharacter(const unsigned char* start, TokenType type) {
-  token_ = start;
+  sToken_ = start;
   tokenSize_ = 1;
   key_ = *start;
   iTokenType_ = type;
@@ -138,7 +138,7 @@ bool FileChannel::takeLong(const unsigned char* start, TokenType type) {
     if (classOf(c) == CharClass::wordStart) type = TokenType::word;
     if (size + 1 == limit) tooLong(digitLed);
   }
-  token_ = cur_;
+  sToken_ = cur_;
   tokenSize_ = size;
   key_ = type == TokenType::word ? keyOf(cur_, size) : 0;
   if (type == TokenType::number) number_ = decimalValue(tokenAsWritten());
@@ -173,7 +173,8 @@ bool FileChannel::takeSlash(const unsigned char* start) {
   // The text of a comment is taken from one part of its line.
   const bool partEnds = endsPart(start + 1);
   if (another && partEnds) {
-    report_.fatal(concat("[skCm] range[0 <= -1 <= ", partLength(start + 1), "]"), Where::nowhere);
+    const auto length = static_cast<std::int64_t>(getSrcLine(offsetOf(start + 1)).size());
+    report_.rangeCheck(-1, 0, length, "skCm");
   }
   if (another) {
     skipComment(start);
@@ -184,11 +185,11 @@ bool FileChannel::takeSlash(const unsigned char* start) {
 
 // White space before `position` that is the last item read.
 void FileChannel::takeBlankItem(const unsigned char* position) {
-  const bool afterComment = tokenSize_ == 0 && token_ == position;
+  const bool afterComment = tokenSize_ == 0 && sToken_ == position;
   if (!rules_.blankIsItem || position == keptBegin_ || !isSpace(position[-1]) || afterComment) {
     return;
   }
-  token_ = position - 1;
+  sToken_ = position - 1;
   tokenSize_ = 1;
 }
 
@@ -196,7 +197,7 @@ bool FileChannel::endQuietly() {
   takeBlankItem(end_);
   // Where lines are shown, each blank has a column of its own; one that ended
   // the last token has been read with it.
-  const bool endsToken = lookedAhead() && token_ + tokenSize_ + 1 == end_;
+  const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_;
   if (!rules_.blankIsItem && end_ != keptBegin_ && isSpace(end_[-1]) && !endsToken) {
     iTokenCol_ = end_ - 1;
   }

@@ -36,7 +36,7 @@ class KsvfLoop final : private tapforge::CommentSink {
   }
 
   bool processSVF() {
-    ksvfHeader();
+    ksvfHeaderTrailer(Frame::header);
     bool allKnown = true;
     for (;;) {
       channel_.resetSrcLineBuf();
@@ -48,21 +48,23 @@ class KsvfLoop final : private tapforge::CommentSink {
         doStatement(keyword);
       }
     }
-    ksvfTrailer();
+    ksvfHeaderTrailer(Frame::trailer);
     return allKnown;
   }
 
  private:
-  void ksvfHeader() {
+  enum class Frame { header, trailer };
+
+  void ksvfHeaderTrailer(Frame which) {
+    if (which == Frame::trailer) {
+      scans_.writePending(StaleCount::cancel);
+      commands_.write(Command::KCOMPLETE);
+      return;
+    }
     commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
     if (vars_.iOptPrintSrc >= 1) {
       commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
     }
-  }
-
-  void ksvfTrailer() {
-    scans_.writePending(StaleCount::cancel);
-    commands_.write(Command::KCOMPLETE);
   }
 
   // Comments of the source go out with the text before them, which is then not
@@ -156,20 +158,17 @@ class KsvfLoop final : private tapforge::CommentSink {
     (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
     const bool beforeRunTest = nextIsRunTest();
     if (beforeRunTest && !vars_.giUseKwait) {
-      delayedEndxR_ = {which, state};
+      g_iDelayedEndxR_ = true;
+      g_iStoredEndMode_ = which;
+      g_iStoredEndTap_ = state;
     } else {
-      writeEndState({which, state});
+      writeEndState(which, state);
     }
   }
 
-  struct EndState {
-    ScanRegister which;
-    TapState state;
-  };
-
-  void writeEndState(const EndState& end) {
+  void writeEndState(ScanRegister which, TapState state) {
     scans_.writePending(StaleCount::cancel);
-    moves_.endState(end.which, end.state);
+    moves_.endState(which, state);
   }
 
   void doRunTest() {
@@ -191,10 +190,10 @@ class KsvfLoop final : private tapforge::CommentSink {
     }
     writeSvfSrc();
     iCurState_ = pGlobTapData_.iRunEndState;
-    if (delayedEndxR_) {
-      writeEndState(*delayedEndxR_);
+    if (g_iDelayedEndxR_) {
+      writeEndState(g_iStoredEndMode_, g_iStoredEndTap_);
       scans_.setRunTestFlag(false);
-      delayedEndxR_.reset();
+      g_iDelayedEndxR_ = false;
     }
   }
 
@@ -263,7 +262,9 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   TapState iCurState_ = TapState::reset;  // that the file has brought the TAP to
   // An ENDIR or ENDDR whose command goes out after the RUNTEST that follows it.
-  std::optional<EndState> delayedEndxR_;
+  bool g_iDelayedEndxR_ = false;
+  ScanRegister g_iStoredEndMode_ = ScanRegister::instruction;
+  TapState g_iStoredEndTap_ = TapState::idle;
 };
 
 }  // namespace

@@ -7,7 +7,8 @@ namespace {
 
 // File, line and last item.
 std::string positionText(const tapforge::SourcePlace& place) {
-  return tapforge::concat("\n[", place.fileName, ": line ", place.line, "]:[", place.lastItem, "]");
+  return tapforge::concat("\n[", place.sFileName, ": line ", place.lLineNum, "]:[", place.sLastItem,
+                          "]");
 }
 
 // A carriage return, 79 blanks and a carriage return.
