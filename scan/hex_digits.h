@@ -93,6 +93,34 @@ inline void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), text);
 }
 
+#elif defined(TAPFORGE_NEON)
+
+inline ShortHex decodeShortHex(const unsigned char* text) {
+  const uint8x16_t chars = vld1q_u8(text);
+  const uint8x16_t fromZero = vsubq_u8(chars, vdupq_n_u8('0'));
+  const uint8x16_t isDigit = vcltq_u8(fromZero, vdupq_n_u8(10));
+  const uint8x16_t fromA = vsubq_u8(vorrq_u8(chars, vdupq_n_u8(0x20)), vdupq_n_u8('a'));
+  const uint8x16_t isLetter = vcltq_u8(fromA, vdupq_n_u8(6));
+  const unsigned digits = neon::leading(vorrq_u8(isDigit, isLetter));
+  if (digits == 0) return {0, 0};
+  const uint8x16_t letters = vandq_u8(isLetter, vaddq_u8(fromA, vdupq_n_u8(10)));
+  const uint8x16_t values = vbslq_u8(isDigit, fromZero, letters);
+  // Each pair becomes a byte with the first digit in its high half.
+  const uint16x8_t pairs = vreinterpretq_u16_u8(values);
+  const uint8x8_t bytes = vmovn_u16(vorrq_u16(vshlq_n_u16(pairs, 4), vshrq_n_u16(pairs, 8)));
+  const std::uint64_t word = __builtin_bswap64(vget_lane_u64(vreinterpret_u64_u8(bytes), 0));
+  return {digits, word >> (64 - 4 * digits)};
+}
+
+inline void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {
+  const char* const digits = hexCase == HexCase::lower ? "0123456789abcdef" : "0123456789ABCDEF";
+  const uint8x8_t bytes = vcreate_u8(__builtin_bswap64(bits));
+  const uint8x8x2_t halves = vzip_u8(vshr_n_u8(bytes, 4), vand_u8(bytes, vdup_n_u8(15)));
+  const uint8x16_t table = vld1q_u8(reinterpret_cast<const unsigned char*>(digits));
+  vst1q_u8(reinterpret_cast<unsigned char*>(out),
+           vqtbl1q_u8(table, vcombine_u8(halves.val[0], halves.val[1])));
+}
+
 #else
 
 inline ShortHex decodeShortHex(const unsigned char* text) { return scalar::decodeShortHex(text); }

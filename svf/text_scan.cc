@@ -36,6 +36,25 @@ std::int64_t countLineEnds(const unsigned char* begin, const unsigned char* end,
   return halves[0] + halves[1] + scalar::countLineEnds(begin, end, which);
 }
 
+#elif defined(TAPFORGE_NEON)
+
+std::int64_t countLineEnds(const unsigned char* begin, const unsigned char* end, LineEnds which) {
+  const uint8x16_t lineFeed = vdupq_n_u8('\n');
+  const uint8x16_t other = vdupq_n_u8(which == LineEnds::lineFeed ? '\n' : '\r');
+  std::int64_t total = 0;
+  while (end - begin >= 16) {
+    // Each match is -1 in its byte, so at most 255 rounds fit into the bytes.
+    const std::ptrdiff_t rounds = std::min<std::ptrdiff_t>((end - begin) / 16, 255);
+    uint8x16_t matches = vdupq_n_u8(0);
+    for (const unsigned char* const stop = begin + 16 * rounds; begin != stop; begin += 16) {
+      const uint8x16_t text = vld1q_u8(begin);
+      matches = vsubq_u8(matches, vorrq_u8(vceqq_u8(text, lineFeed), vceqq_u8(text, other)));
+    }
+    total += vaddlvq_u8(matches);
+  }
+  return total + scalar::countLineEnds(begin, end, which);
+}
+
 #else
 
 std::int64_t countLineEnds(const unsigned char* begin, const unsigned char* end, LineEnds which) {

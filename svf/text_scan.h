@@ -46,6 +46,19 @@ inline unsigned wordPrefix(const unsigned char* text) {
   return static_cast<unsigned>(__builtin_ctz(~static_cast<unsigned>(_mm_movemask_epi8(isWord))));
 }
 
+#elif defined(TAPFORGE_NEON)
+
+inline unsigned wordPrefix(const unsigned char* text) {
+  const uint8x16_t chars = vld1q_u8(text);
+  const auto inRange = [](uint8x16_t c, unsigned char first, unsigned char count) {
+    return vcltq_u8(vsubq_u8(c, vdupq_n_u8(first)), vdupq_n_u8(count));
+  };
+  const uint8x16_t isLetter = inRange(vorrq_u8(chars, vdupq_n_u8(0x20)), 'a', 26);
+  const uint8x16_t isNumeral = inRange(chars, '0', 10);
+  const uint8x16_t isUnderscore = vceqq_u8(chars, vdupq_n_u8('_'));
+  return neon::leading(vorrq_u8(vorrq_u8(isLetter, isNumeral), isUnderscore));
+}
+
 #else
 
 inline unsigned wordPrefix(const unsigned char* text) { return scalar::wordPrefix(text); }
