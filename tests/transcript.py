@@ -13,10 +13,10 @@ it needs stand before its first command, all that a command gives after it:
 
 That is standard output, "stderr:", every file that was made or written, and the exit status as
 [1] unless it is 0. Equal files stand together; a .ksvf file is turned back into its listing, so it
-stands with the listing when they agree, what prepares a scan on the same line. The start-up banner,
-with the empty line that begins a first message, is left out, dates and times are masked. "\\r",
-"\\t" and "\\x07" are characters, "c\\{70}" is 70 times c, "line\\{10 lines}" ten such lines, and "\\"
-at the end tells that the last line has no line end. A function holds to the end of its page.
+stands with the listing when they agree, what prepares a scan on the line of the scan. The start-up
+banner, with the empty line that begins a first message, is left out; dates and times are masked.
+"\\r", "\\t" and "\\x07" are characters, "c\\{70}" is 70 times c, "line\\{10 lines}" ten such lines, and
+"\\" at the end tells that the last line has no line end. A function holds to the end of its page.
 "<!-- needs WORD -->" before an example lets --without WORD leave it out.
 
 In a ```console or .Bd block a command is followed by what a terminal shows, without the banner;
@@ -42,7 +42,8 @@ COMMANDS = {0: ("KCOMPLETE", ""), 1: ("KTDOMASK", "v"), 2: ("KSIR", "1v"), 3: ("
             4: ("KRUNTEST", "4"), 7: ("KREPEAT", "1"), 8: ("KSDRSIZE", "4"), 9: ("KSDRTDO", "vv"),
             12: ("KSDRB", "v"), 13: ("KSDRC", "v"), 14: ("KSDRE", "v"), 15: ("KSDRTDOB", "vv"),
             16: ("KSDRTDOC", "vv"), 17: ("KSDRTDOE", "vv"), 18: ("KSTATE", "1"),
-            19: ("KENDIR", "1"), 20: ("KENDDR", "1"), 21: ("KSIR2", "2v"), 22: ("KCOMMENT", ""), 23: ("KWAIT", "114")}
+            19: ("KENDIR", "1"), 20: ("KENDDR", "1"), 21: ("KSIR2", "2v"),
+            22: ("KCOMMENT", ""), 23: ("KWAIT", "114")}
 
 
 def listing(data):
