@@ -29,7 +29,7 @@ TERMINAL = re.compile(r"(?ms)^(?:```console|\.Bd -literal[^\n]*)\n(.*?)^(?:```|\
 INPUT = re.compile(r"(?m)^(\S.*):(?: empty)?\n((?:  .*\n|\n)*)")
 COMMAND = re.compile(r"[^\n]*\n(?:> [^\n]*\n)*")
 LINK = re.compile(r"\]\(([^)#]+)")
-BANNER = re.compile(r"\n\*{6} .*\n  \*{4} .*\n    \*\* .*\n\n\n(?:\n(?!\*{6} ))?")
+BANNER = re.compile(r"\n\*{6} .*\n  \*{4} .*\n    \*\* .*\n\n\n(\n(?!\*{6} ))?")
 MASKS = [(r"(?m)^(  \*{4} Build date : )\w{3} [ \d]\d \d{4}-\d\d:\d\d:\d\d$", r"\1<date>"),
          (r"(?m)^((?:Start|Finish) {0,2}: )\w{3} \w{3} [ \d]\d \d\d:\d\d:\d\d \d{4}$", r"\1<time>"),
          (r"(?m)^( +Elapsed [Tt]ime \()\d\d:\d\d:\d\d(?=\))", r"\1<elapsed>"),
@@ -122,7 +122,7 @@ class Page:
                                   cwd=folder, env=env, stdin=subprocess.DEVNULL, stdout=out,
                                   stderr=err if apart else out)
             texts = [(stream.seek(0), stream.read())[1].decode("latin-1") for stream in (out, err)]
-            return BANNER.sub("", texts[0]), texts[1], done.returncode
+            return BANNER.sub("" if apart else r"\1", texts[0]), texts[1], done.returncode
 
     def outcome(self, command, folder):
         """All that a command of an example gives, as the page must show it."""
@@ -171,10 +171,10 @@ class Page:
             roff = self.path.suffix == ".1"
             text = part.replace(r"\&", "").replace(r"\e", "\\") if roff else part
             command = COMMAND.match(text)[0]
-            printed = self.run(command, self.folder / "terminal", apart=False)[0].strip("\n")
-            if printed != text[len(command):].strip("\n"):
+            printed = self.run(command, self.folder / "terminal", apart=False)[0].rstrip("\n")
+            if printed != text[len(command):].rstrip("\n"):
                 printed = printed.replace("\\", r"\e") if roff else printed
-                part = COMMAND.match(part)[0] + printed + "\n"
+                part = COMMAND.match(part)[0] + printed + "\n" * bool(printed)
             head += "$ " + part
             self.examples += 1
         return match[0].replace(match[1], head)
