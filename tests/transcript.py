@@ -20,7 +20,7 @@ banner, with the empty line that begins a first message, is left out; dates and 
 "<!-- needs WORD -->" before an example lets --without WORD leave it out.
 
 In a ```console or .Bd block a command is followed by what a terminal shows, without the banner;
-files stay from block to block, and examples/ is there. Relative links must lead to a file."""
+files stay from block to block, and examples/ and player/ are there. Relative links must lead to a file."""
 import argparse, concurrent.futures, difflib, os, pathlib, re, shutil, subprocess, sys, tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -106,7 +106,8 @@ class Page:
     def __init__(self, path, folder, options):
         self.path, self.folder, self.without = path, folder, options.without
         self.functions, self.examples = "ulimit -f 200000; ulimit -t 60\n", 0
-        shutil.copytree(ROOT / "examples", folder / "terminal/examples")
+        for part in ("examples", "player"):
+            shutil.copytree(ROOT / part, folder / "terminal" / part)
         (folder / "bin").mkdir()
         for name, tool in [("tapforge", options.program), *options.tool]:
             command = f"exec {options.emulator} '{pathlib.Path(tool).resolve()}' \"$@\""
