@@ -91,14 +91,10 @@ void Reporter::statusMsg(std::string_view text, StatusStyle style) {
                      style == StatusStyle::wipe ? style_.screenWipe : ""));
 }
 
-void Reporter::startClock() {
-  t_TimeStart_ = std::time(nullptr);
-  showDateTime(style_.startLabel, t_TimeStart_);
-}
+void Reporter::startClock() { t_TimeStart_ = showDateTime(style_.startLabel); }
 
 void Reporter::finishClock() {
-  const std::time_t t_TimeFinish = std::time(nullptr);
-  showDateTime(style_.finishLabel, t_TimeFinish);
+  const std::time_t t_TimeFinish = showDateTime(style_.finishLabel);
   if (t_TimeStart_ != 0) {
     showElapsedTime(t_TimeFinish);
   } else {
@@ -107,8 +103,10 @@ void Reporter::finishClock() {
   }
 }
 
-void Reporter::showDateTime(std::string_view label, std::time_t time) {
-  statusMsg(concat(label, ": ", dateTimeText(time)), StatusStyle::ownLine);
+std::time_t Reporter::showDateTime(std::string_view label) {
+  const std::time_t t_SysDateTime = std::time(nullptr);
+  statusMsg(concat(label, ": ", dateTimeText(t_SysDateTime)), StatusStyle::ownLine);
+  return t_SysDateTime;
 }
 
 void Reporter::showElapsedTime(std::time_t t_TimeFinish) {

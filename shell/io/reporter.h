@@ -128,7 +128,7 @@ class Reporter {
 
  private:
   void toLog(std::string_view text);
-  void showDateTime(std::string_view label, std::time_t time);
+  std::time_t showDateTime(std::string_view label);
   void showElapsedTime(std::time_t t_TimeFinish);
 
   const MessageStyle& style_;
