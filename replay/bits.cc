@@ -43,8 +43,7 @@ void Bits::append(const Bits& more) {
   }
 }
 
-bool Bits::assignDigits(std::vector<std::uint64_t>& digits, unsigned lastDigits,
-                        std::size_t size) {
+bool Bits::assignDigits(std::vector<std::uint64_t>& digits, unsigned lastDigits, std::size_t size) {
   words_.swap(digits);  // the storage goes to and fro
   std::reverse(words_.begin(), words_.end());
   const std::size_t own = lastDigits * kDigitBits;  // bits of the lowest word

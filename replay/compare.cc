@@ -30,7 +30,8 @@ struct BitCount {
 
   void add(std::uint64_t word, std::size_t index) {
     if (word == 0) return;
-    if (count == 0) first = index * Bits::kWordBits + static_cast<std::size_t>(std::countr_zero(word));
+    if (count == 0)
+      first = index * Bits::kWordBits + static_cast<std::size_t>(std::countr_zero(word));
     count += static_cast<std::uint64_t>(std::popcount(word));
   }
   std::string text() const {
@@ -114,7 +115,8 @@ void Comparison::run() {
   }
   waits_.finish();
   if (const std::uint64_t lines = converted_.reader.sharedLines(); lines > 0) {
-    findings_.add(Difference::kSharedLines, 0, [] { return "see the note"; }, lines);
+    findings_.add(
+        Difference::kSharedLines, 0, [] { return "see the note"; }, lines);
   }
 }
 
@@ -122,7 +124,13 @@ void Comparison::compareGaps() {
   if (source_.gap.walk != converted_.gap.walk) compareWalks();
   waits_.compare(source_.gap.waits, converted_.gap.waits);
   if (source_.gap.settings.empty() && converted_.gap.settings.empty()) return;
-  compareSettings(Kind::kResetLine, Difference::kResetLine);
+  for (const Side* side : {&source_, &converted_}) {
+    for (const Setting& setting : side->gap.settings) {
+      if (setting.kind == Kind::kResetLine && setting.value == "on") resetUsed_ = true;
+    }
+  }
+  compareSettings(Kind::kResetLine,
+                  resetUsed_ ? Difference::kResetLine : Difference::kResetLineOff);
   compareSettings(Kind::kParallelIo, Difference::kParallelIo);
   compareSettings(Kind::kFrequency, Difference::kFrequency);
 }
@@ -133,8 +141,8 @@ void Comparison::compareWalks() {
   const auto text = [&] {
     const auto [left, right] = std::mismatch(from.begin(), from.end(), to.begin(), to.end());
     const auto first = static_cast<std::size_t>(left - from.begin());
-    const auto tails = std::mismatch(from.rbegin(), from.rend() - (left - from.begin()), to.rbegin(),
-                                     to.rend() - (right - to.begin()));
+    const auto tails = std::mismatch(from.rbegin(), from.rend() - (left - from.begin()),
+                                     to.rbegin(), to.rend() - (right - to.begin()));
     const auto tail = static_cast<std::size_t>(tails.first - from.rbegin());
     const std::size_t before = first > 0 ? 1 : 0;  // a state that both have, for context
     const std::size_t after = tail > 0 ? 1 : 0;
@@ -260,8 +268,8 @@ std::string Comparison::report() const {
     return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
   };
   std::string text = "source:    " + std::string(source_.reader.form()) + ", " +
-                     counted(source_.scans, "scan") + ", " + counted(waits_.count(), "wait") + "\n" +
-                     "converted: " + std::string(converted_.reader.form()) + ", " +
+                     counted(source_.scans, "scan") + ", " + counted(waits_.count(), "wait") +
+                     "\n" + "converted: " + std::string(converted_.reader.form()) + ", " +
                      counted(converted_.scans, "scan") + "\n";
   for (const Side* side : {&source_, &converted_}) {
     const char* const name = side == &source_ ? "source" : "converted";

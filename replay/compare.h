@@ -75,6 +75,7 @@ class Comparison {
   Findings findings_;
   WaitComparison waits_;
   bool stopped_ = false;
+  bool resetUsed_ = false;  // a TRST ON was met
 };
 
 }  // namespace tapforge_replay

@@ -18,6 +18,7 @@ constexpr std::array<DifferenceRule, kDifferenceCount> kRules = {{
     {"reset-line", "settings of the reset line (TRST) left out or changed", false},
     {"parallel-io", "statements of parallel I/O left out or changed", false},
     {"shared-lines", "commands on the line of another one, an error for a Tcl shell", false},
+    {"reset-line-off", "settings of it to OFF or Z, before any ON, left out or changed", true},
     {"frequency", "settings of the TCK frequency left out or changed", true},
     {"maximum-times", "maximum times of waits left out or changed", true},
 }};

@@ -24,6 +24,7 @@ enum class Difference {
   kResetLine,
   kParallelIo,
   kSharedLines,
+  kResetLineOff,
   kFrequency,
   kMaximumTimes,
   kCount,

@@ -204,8 +204,7 @@ int compare(const Options& options, Output& output) {
     const auto difference = static_cast<Difference>(i);
     if (comparison.findings()[difference].count == 0) continue;
     const DifferenceRule& rule = ruleOf(difference);
-    const bool fine =
-        options.allowed.count(difference) != 0 || (rule.harmless && !options.strict);
+    const bool fine = options.allowed.count(difference) != 0 || (rule.harmless && !options.strict);
     (fine ? rest : blamed).append(" ").append(rule.name);
   }
   output << comparison.report();

@@ -47,7 +47,10 @@ class SvfReader final : public TextReader {
     while (text.size() < 8 && input_.peek() >= ' ' && !text.ends_with('(')) {
       text += static_cast<char>(input_.get());
     }
-    label_ = text == "   TDI (" ? "tdi" : text == "   TDO (" ? "tdo" : text == "  MASK (" ? "mask" : "";
+    label_ = text == "   TDI ("   ? "tdi"
+             : text == "   TDO (" ? "tdo"
+             : text == "  MASK (" ? "mask"
+                                  : "";
     if (label_.empty()) return false;
     if (std::exchange(copy_, Copy::kYes) != Copy::kYes) {
       note("an unmerged copy: its values are read from comments, which no player does");
@@ -127,7 +130,8 @@ class SvfReader final : public TextReader {
                          : name == "mask"  ? Pattern::kMask
                          : name == "smask" ? Pattern::kSmask
                                            : Pattern::kNameCount;
-      if (value == Pattern::kNameCount) fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
+      if (value == Pattern::kNameCount)
+        fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
       if (!labelled) expect("(");
       if (pattern.length == 0) {  // says nothing
         while (needWord() != ")") continue;

@@ -42,7 +42,8 @@ class TclReader final : public TextReader {
   // The remark behind a header or trailer says that the scans hold its bits.
   bool skipComment() override {
     if (input_.get() == '!') {
-      if (!merged_) note("a merged script, which no Tcl shell runs: its values stand on lines of their own");
+      if (!merged_)
+        note("a merged script, which no Tcl shell runs: its values stand on lines of their own");
       merged_ = true;
       if (property_ != nullptr) property_->begin(0);
     }

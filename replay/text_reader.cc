@@ -24,7 +24,8 @@ constexpr std::uint8_t kNoDigit = 255;
 constexpr std::array<std::uint8_t, 256> digitTable() {
   std::array<std::uint8_t, 256> table{};
   table.fill(kNoDigit);
-  for (int i = 0; i < 10; ++i) table[static_cast<std::size_t>('0' + i)] = static_cast<std::uint8_t>(i);
+  for (int i = 0; i < 10; ++i)
+    table[static_cast<std::size_t>('0' + i)] = static_cast<std::uint8_t>(i);
   for (int i = 0; i < 6; ++i) {
     table[static_cast<std::size_t>('a' + i)] = table[static_cast<std::size_t>('A' + i)] =
         static_cast<std::uint8_t>(10 + i);
@@ -217,7 +218,8 @@ void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
   }
   if (digits_.size() > (kMostBits >> 6)) fail("a value that is too long");
   if (!bits.assignDigits(digits_, count, length)) {
-    note("line " + std::to_string(line_) + ": a value has bits above its length, which are ignored");
+    note("line " + std::to_string(line_) +
+         ": a value has bits above its length, which are ignored");
   }
 }
 

@@ -23,16 +23,17 @@ class Drawer {
                "$var wire 1 i tdi $end\n"
                "$var wire 1 o tdo_expected $end\n"
                "$var wire 1 e compare $end\n"
-               "$var string 1 s state $end\n"
+               "$var reg 4 s state $end\n"
                "$var integer 32 n scan $end\n"
                "$upscope $end\n"
                "$enddefinitions $end\n"
-               "#0\n0c\n1m\n1i\nxo\n0e\nsRESET s\nb0 n\n";
+               "#0\n0c\n1m\n1i\nxo\n0e\nb0 s\nb0 n\n";
   }
 
   void draw(const Operation& operation) {
     if (operation.kind == Kind::kFrequency) {
-      period_ = std::max(2.0, kPicosecondsPerSecond / (operation.hertz > 0 ? operation.hertz : 1e6));
+      period_ =
+          std::max(2.0, kPicosecondsPerSecond / (operation.hertz > 0 ? operation.hertz : 1e6));
     }
     const bool moves = operation.kind == Kind::kScan || operation.kind == Kind::kWait ||
                        operation.kind == Kind::kMove;
@@ -50,40 +51,45 @@ class Drawer {
  private:
   std::uint64_t time() const { return static_cast<std::uint64_t>(picoseconds_); }
 
-  void pass(double duration) {
-    picoseconds_ = std::min(picoseconds_ + duration, kMostPicoseconds);
-  }
+  void pass(double duration) { picoseconds_ = std::min(picoseconds_ + duration, kMostPicoseconds); }
 
-  // TMS, TDI and the state stand before the edge; the state changes with it.
-  void clock(TapState next, bool tdi, char tdo) {
-    const bool tms = nextState(state_, true) == next;
+  // The pins are set with the falling edge, the state changes with the rising one.
+  void clock(TapState next, char tdi, char tdo) {
+    const std::string pins = {nextState(state_, true) == next ? '1' : '0', tdi, tdo,
+                              tdo == 'x' ? '0' : '1'};
     std::string text = "#" + std::to_string(time()) + "\n0c\n";
-    text += tms ? "1m\n" : "0m\n";
-    text += tdi ? "1i\n" : "0i\n";
-    text.append(1, tdo).append(tdo == 'x' ? "o\n0e\n" : "o\n1e\n");
+    for (std::size_t i = 0; i < pins.size(); ++i) {
+      if (pins[i] != pins_[i]) text.append({pins[i], "mioe"[i], '\n'});
+    }
     pass(period_ / 2);
     text += "#" + std::to_string(time()) + "\n1c\n";
-    if (next != state_) text.append("s").append(nameOf(next)).append(" s\n");
+    if (next != state_) text += binary(static_cast<std::uint64_t>(next)) + " s\n";
     pass(period_ / 2);
+    pins_ = pins;
     state_ = next;
     output_ << text;
   }
 
+  static std::string binary(std::uint64_t number) {
+    std::string text;
+    do {
+      text.insert(text.begin(), number % 2 != 0 ? '1' : '0');
+      number /= 2;
+    } while (number > 0);
+    return 'b' + text;
+  }
+
   void walk(const std::vector<TapState>& states) {
-    for (const TapState state : states) clock(state, true, 'x');
+    for (const TapState state : states) clock(state, '1', 'x');
   }
 
   void scan(const Operation& scan) {
-    std::string number;
-    for (std::uint64_t rest = scan.number; rest > 0; rest /= 2) {
-      number.insert(number.begin(), rest % 2 != 0 ? '1' : '0');
-    }
-    output_ << "b" + number + " n\n";
+    output_ << binary(scan.number) + " n\n";
     const std::size_t bits = scan.tdi->size();
     for (std::size_t i = 0; i < bits; ++i) {
       const bool compared = scan.mask != nullptr && scan.mask->bit(i);
       const char tdo = !compared ? 'x' : scan.tdo->bit(i) ? '1' : '0';
-      clock(i + 1 == bits ? scan.after.front() : state_, scan.tdi->bit(i), tdo);
+      clock(i + 1 == bits ? scan.after.front() : state_, scan.tdi->bit(i) ? '1' : '0', tdo);
     }
   }
 
@@ -91,7 +97,7 @@ class Drawer {
     const double needed = wait.seconds * kPicosecondsPerSecond / period_;
     const double clocks = std::floor(std::min(std::max(wait.clocks, std::ceil(needed)), 1e18));
     const double drawn = std::min(clocks, kDrawnClocks);
-    for (double i = 0; i < drawn; ++i) clock(state_, true, 'x');
+    for (double i = 0; i < drawn; ++i) clock(state_, '1', 'x');
     if (clocks == drawn) return;
     output_ << "#" + std::to_string(time()) + "\nzc\n";
     pass((clocks - drawn) * period_);
@@ -99,6 +105,7 @@ class Drawer {
 
   Output& output_;
   TapState state_ = TapState::kReset;
+  std::string pins_ = "11x0";  // TMS, TDI, TDO, comparison
   double picoseconds_ = 0;
   double period_ = 1e6;  // of TCK, picoseconds
 };

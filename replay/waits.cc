@@ -54,13 +54,11 @@ double ClockRate::hertz() const {
   return suggested_ > 0 ? suggested_ : kDefaultHertz;
 }
 
-double WaitComparison::clocksOf(const Wait& wait) {
-  if (wait.seconds < 0) return wait.clocks;
-  usedRate_ = true;
-  return std::max(wait.clocks, wait.seconds * rate_.hertz());
+double WaitComparison::clocksOf(const Wait& wait) const {
+  return wait.seconds < 0 ? wait.clocks : std::max(wait.clocks, wait.seconds * rate_.hertz());
 }
 
-double WaitComparison::clocksOf(const Run& run) {
+double WaitComparison::clocksOf(const Run& run) const {
   double sum = 0;
   for (const PlacedWait* wait = run.first; wait <= run.last; ++wait) sum += clocksOf(wait->wait);
   return sum;
@@ -110,6 +108,7 @@ void WaitComparison::one(const PlacedWait& source, const PlacedWait& converted) 
     const double time = (from.seconds - to.seconds) * rate_.hertz();
     missing = std::max(clocks, time) > 0 ? std::max(clocks, time) : std::min(clocks, time);
   } else {
+    usedRate_ = true;
     missing = clocksOf(from) - clocksOf(to);
   }
   judge(missing, {&source, &source}, {&converted, &converted});
@@ -128,7 +127,8 @@ void WaitComparison::pair(const Run& source, const Run& converted, bool learn) {
       seconds += wait->wait.seconds;
     }
     if (learn && !rate_.learn(seconds, clocksOf(converted), static_cast<double>(waits))) {
-      findings_.add(Difference::kShorterWaits, 0, [this] { return firstTime_; }, timesJudged_);
+      findings_.add(
+          Difference::kShorterWaits, 0, [this] { return firstTime_; }, timesJudged_);
       same_ -= std::min(same_, timesJudged_);
       timesJudged_ = 0;
     }
@@ -141,7 +141,8 @@ void WaitComparison::pair(const Run& source, const Run& converted, bool learn) {
     return;
   }
   for (const PlacedWait* wait = source.first; wait <= source.last; ++wait) {
-    if (wait->wait.maximum >= 0) checkMaximum(*wait, {});
+    usedRate_ = usedRate_ || wait->wait.seconds >= 0;
+    checkMaximum(*wait, {});
   }
   judge(clocksOf(source) - clocksOf(converted), source, converted);
 }

@@ -73,8 +73,8 @@ class WaitComparison {
   void pair(const Run& source, const Run& converted, bool learn);
   void one(const PlacedWait& source, const PlacedWait& converted);
   void judge(double missing, const Run& source, const Run& converted);
-  double clocksOf(const Wait& wait);
-  double clocksOf(const Run& run);
+  double clocksOf(const Wait& wait) const;
+  double clocksOf(const Run& run) const;
   bool claim(std::vector<Open>& extra, Open& lost);
   void checkMaximum(const PlacedWait& source, const PlacedWait& converted);
 
