@@ -44,9 +44,38 @@ const char* registerOf(const Operation& scan) { return scan.instruction ? "IR" :
 
 }  // namespace
 
+void Comparison::Gap::begin(const Operation& operation) {
+  origins.push_back({walk.size(), operation.kind, operation.place});
+}
+
+void Comparison::Gap::clear() {
+  walk.clear();
+  origins.clear();
+  waits.clear();
+  settings.clear();
+}
+
+const Comparison::Gap::Origin* Comparison::Gap::originOf(std::size_t position) const {
+  const Origin* found = nullptr;
+  for (const Origin& origin : origins) {
+    if (origin.position <= position) found = &origin;
+  }
+  return found;
+}
+
 void Comparison::Gap::enter(const std::vector<TapState>& states) {
   for (const TapState state : states) {
     if (walk.empty() || walk.back() != state) walk.push_back(state);
+  }
+}
+
+void Comparison::Gap::wait(const Wait& wait, const Place& place) {
+  const bool again =
+      !waits.empty() && waits.back().position == walk.size() && waits.back().wait == wait;
+  if (again) {
+    ++waits.back().times;
+  } else {
+    waits.push_back({wait, walk.size(), place});
   }
 }
 
@@ -56,18 +85,20 @@ void Comparison::Side::readGap() {
     reader.next(operation);
     switch (operation.kind) {
       case Kind::kScan:
+        gap.begin(operation);
         gap.enter(operation.before);
         atScan = true;
         scan = operation.place;
         ++scans;
         break;
       case Kind::kWait:
+        gap.begin(operation);
         gap.enter(operation.before);
-        gap.waits.push_back({operation.wait, gap.walk.size(), operation.place});
+        gap.wait(operation.wait, operation.place);
         gap.enter(operation.after);
         break;
       case Kind::kMove:
-        if (!std::exchange(gap.moved, true)) gap.move = operation.place;
+        gap.begin(operation);
         gap.enter(operation.before);
         break;
       case Kind::kFrequency:
@@ -91,6 +122,7 @@ void Comparison::Side::readGap() {
 
 void Comparison::Side::passScan() {
   atScan = false;
+  gap.begin(operation);
   gap.enter(operation.after);
 }
 
@@ -104,19 +136,17 @@ void Comparison::run() {
     converted_.readGap();
     compareGaps();
     for (Side* side : {&source_, &converted_}) {
-      side->gap.walk.clear();
-      side->gap.waits.clear();
-      side->gap.settings.clear();
-      side->gap.moved = false;
+      side->gap.clear();
     }
     if (source_.inGap() || converted_.inGap()) continue;
     if (source_.ended && converted_.ended) break;
     if (!compareScans()) break;
   }
   waits_.finish();
-  if (const std::uint64_t lines = converted_.reader.sharedLines(); lines > 0) {
+  if (const auto lines = converted_.reader.sharedLines(); lines.count > 0) {
     findings_.add(
-        Difference::kSharedLines, 0, [] { return "see the note"; }, lines);
+        Difference::kSharedLines, 0, [&] { return "converted " + describe(lines.first); },
+        lines.count);
   }
 }
 
@@ -138,28 +168,27 @@ void Comparison::compareGaps() {
 void Comparison::compareWalks() {
   const std::vector<TapState>& from = source_.gap.walk;
   const std::vector<TapState>& to = converted_.gap.walk;
+  const auto [left, right] = std::mismatch(from.begin(), from.end(), to.begin(), to.end());
+  const auto first = static_cast<std::size_t>(left - from.begin());
+  const Gap::Origin* const source = source_.gap.originOf(first);
+  const Gap::Origin* const converted = converted_.gap.originOf(first);
   const auto text = [&] {
-    const auto [left, right] = std::mismatch(from.begin(), from.end(), to.begin(), to.end());
-    const auto first = static_cast<std::size_t>(left - from.begin());
     const auto tails = std::mismatch(from.rbegin(), from.rend() - (left - from.begin()),
                                      to.rbegin(), to.rend() - (right - to.begin()));
     const auto tail = static_cast<std::size_t>(tails.first - from.rbegin());
     const std::size_t before = first > 0 ? 1 : 0;  // a state that both have, for context
     const std::size_t after = tail > 0 ? 1 : 0;
-    const bool moved = source_.gap.moved;
-    std::string place = "source ";
-    if (moved) {
-      place += describe(source_.gap.move);
-    } else if (source_.scan.end != 0) {
-      place += "near " + describe(source_.scan);
-    } else {
-      place += "start";
-    }
-    return place + ": " + partOf(from, first - before, from.size() - tail + after) +
-           "; converted near " + describe(converted_.scan) + ": " +
-           partOf(to, first - before, to.size() - tail + after);
+    const auto place = [](const Gap::Origin* origin) {
+      return origin != nullptr ? describe(origin->place) : "start";
+    };
+    return "source " + place(source) + " (" +
+           partOf(from, first - before, from.size() - tail + after) + "), converted " +
+           place(converted) + " (" + partOf(to, first - before, to.size() - tail + after) + ")";
   };
-  const bool moved = source_.gap.moved || converted_.gap.moved;
+  const auto isMove = [](const Gap::Origin* origin) {
+    return origin != nullptr && origin->kind == Kind::kMove;
+  };
+  const bool moved = isMove(source) || isMove(converted);
   findings_.add(moved ? Difference::kStateMoves : Difference::kEndStates, 0, text);
 }
 

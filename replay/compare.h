@@ -18,7 +18,10 @@ class Comparison {
   /// The readers are borrowed. `tckHertz` is the rate of times that became
   /// clocks, 0 if not known.
   Comparison(Reader& source, Reader& converted, double tckHertz)
-      : source_{source}, converted_{converted}, rate_(tckHertz), waits_(rate_, findings_) {}
+      : source_{source},
+        converted_{converted},
+        rate_(tckHertz),
+        waits_(rate_, findings_, converted.form().ends_with("Tcl")) {}
 
   /// Throws Fault when a file cannot be read or played.
   void run();
@@ -38,13 +41,22 @@ class Comparison {
 
   // What a file does between two scans.
   struct Gap {
+    struct Origin {
+      std::size_t position = 0;  // of its first state in the walk
+      Operation::Kind kind = Operation::Kind::kEnd;
+      Place place;
+    };
+
     std::vector<TapState> walk;  // one after the other, no state twice in a row
+    std::vector<Origin> origins;
     std::vector<PlacedWait> waits;
     std::vector<Setting> settings;
-    Place move;  // the first one on its own
-    bool moved = false;
 
+    void begin(const Operation& operation);
     void enter(const std::vector<TapState>& states);
+    void wait(const Wait& wait, const Place& place);
+    void clear();
+    const Origin* originOf(std::size_t position) const;  // null: the start of the file
   };
 
   struct Side {

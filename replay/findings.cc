@@ -9,7 +9,7 @@ constexpr std::array<DifferenceRule, kDifferenceCount> kRules = {{
     {"care", "TDI bits that the source fixes and SMASK now leaves open", false},
     {"shorter-waits", "waits that are shorter", false},
     {"lost-waits", "waits that are lost", false},
-    {"moved-waits", "waits in another state, by another clock or after another scan", false},
+    {"moved-waits", "waits in another state, by another clock, in parts or after another scan", false},
     {"longer-waits", "waits that are longer or new", true},
     {"compared-less", "scans that compare less", true},
     {"compared-more", "scans that compare more", true},

@@ -209,7 +209,7 @@ int compare(const Options& options, Output& output) {
   }
   output << comparison.report();
   if (!blamed.empty()) {
-    output << "NOT the same:" << blamed << "\n";
+    output << "NOT the same:" << blamed << (rest.empty() ? "" : "; also:" + rest) << "\n";
     return kDifferent;
   }
   output << "the same" << (rest.empty() ? "" : " but for:" + rest) << "\n";

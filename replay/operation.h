@@ -82,7 +82,11 @@ class Reader {
   virtual std::string_view form() const = 0;  ///< for people
 
   /// Commands that share a line with another one, where that is an error.
-  virtual std::uint64_t sharedLines() const { return 0; }
+  struct SharedLines {
+    std::uint64_t count = 0;
+    Place first;
+  };
+  virtual SharedLines sharedLines() const { return {}; }
 
   /// What is odd about the file, a sentence each.
   const std::vector<std::string>& notes() const { return notes_; }

@@ -184,14 +184,8 @@ class SvfReader final : public TextReader {
       tap_.moveTo(stableState(name), operation);
       return true;
     }
-    const TapState first = state(name);
-    if (!tap_.step(first, operation)) tap_.moveTo(stableState(name), operation);
-    for (; following != ";"; following = needWord()) {
-      if (!tap_.step(state(following), operation)) {
-        fail("no way of one TCK leads from " + std::string(nameOf(tap_.state())) + " to " +
-             std::string(nameOf(state(following))));
-      }
-    }
+    step(state(name), true, operation);
+    for (; following != ";"; following = needWord()) step(state(following), false, operation);
     if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
     return true;
   }

@@ -15,7 +15,7 @@ class TclReader final : public TextReader {
   explicit TclReader(Input& input) : TextReader(input) {}
 
   std::string_view form() const override { return merged_ ? "merged Tcl" : "Tcl"; }
-  std::uint64_t sharedLines() const override { return sharedLines_; }
+  SharedLines sharedLines() const override { return merged_ ? SharedLines{} : sharedLines_; }
 
   void next(Operation& operation) override {
     do {
@@ -23,9 +23,8 @@ class TclReader final : public TextReader {
       advance();
       operation.place = {wordLine_, wordOffset_, 0};
       if (lookahead_.empty()) break;
-      const bool shared = commandLine_ == wordLine_ && !merged_;
-      if (shared && sharedLines_++ == 0) {
-        note(describe(operation.place) + ": a second command on a line, an error for a Tcl shell");
+      if (commandLine_ == wordLine_ && sharedLines_.count++ == 0) {
+        sharedLines_.first = operation.place;
       }
       if (!command(take(), operation)) continue;
       operation.place.end = wordOffset_;
@@ -146,15 +145,13 @@ class TclReader final : public TextReader {
     operation.kind = Kind::kMove;
     const TapState first = state(take());
     advance();
-    if (!findState(lookahead_) || !tap_.step(first, operation)) {
-      if (!isStable(first)) fail("the TAP cannot stay in " + std::string(nameOf(first)));
+    if (findState(lookahead_) || !isStable(first)) {
+      step(first, true, operation);
+    } else {
       tap_.moveTo(first, operation);
     }
     while (findState(lookahead_)) {
-      const TapState target = state(take());
-      if (!tap_.step(target, operation)) {
-        fail("no way of one TCK leads to " + std::string(nameOf(target)));
-      }
+      step(state(take()), false, operation);
       advance();
     }
     if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
@@ -206,7 +203,7 @@ class TclReader final : public TextReader {
   std::string lookahead_;
   std::uint64_t wordLine_ = 0;
   std::uint64_t wordOffset_ = 0;
-  std::uint64_t sharedLines_ = 0;
+  SharedLines sharedLines_;
   std::uint64_t commandLine_ = 0;  // of the last word taken
 };
 

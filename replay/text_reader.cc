@@ -253,6 +253,16 @@ TapState TextReader::stableState(std::string_view text) const {
   return found;
 }
 
+void TextReader::step(TapState target, bool first, Operation& move) {
+  const TapState from = tap_.state();
+  if (tap_.step(target, move)) return;
+  if (!first || !isStable(target)) {
+    fail("no way of one TCK leads from " + std::string(nameOf(from)) + " to " +
+         std::string(nameOf(target)));
+  }
+  tap_.moveTo(target, move);
+}
+
 std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
   constexpr char kKsvfFirst = 7;  // every file begins with KREPEAT
   std::string_view ahead = input.window();

@@ -111,6 +111,9 @@ class TextReader : public Reader {
   TapState state(std::string_view text) const;
   TapState stableState(std::string_view text) const;
 
+  /// A step of a path. The first one may lead to any stable state.
+  void step(TapState target, bool first, Operation& move);
+
   /// Ends the reading with a Fault that names the present line.
   [[noreturn]] void fail(const std::string& text) const;
 

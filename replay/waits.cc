@@ -22,9 +22,19 @@ double roundest(double low, double high) {
   return low;
 }
 
-std::string textOf(const char* file, const PlacedWait& first, const PlacedWait& last) {
+std::uint64_t countOf(std::span<const PlacedWait> waits) {
+  std::uint64_t count = 0;
+  for (const PlacedWait& wait : waits) count += wait.times;
+  return count;
+}
+
+TapState stateOf(std::span<const PlacedWait> waits) { return waits.front().wait.state; }
+
+std::string textOf(const char* file, std::span<const PlacedWait> waits) {
+  const PlacedWait& first = waits.front();
   std::string text = file + (' ' + describe(first.place)) + " (" + describe(first.wait);
-  if (&last != &first) text += " and " + std::to_string(&last - &first) + " more";
+  const std::uint64_t count = countOf(waits);
+  if (count > 1) text += " and " + std::to_string(count - 1) + " more";
   return text + ')';
 }
 
@@ -58,39 +68,51 @@ double WaitComparison::clocksOf(const Wait& wait) const {
   return wait.seconds < 0 ? wait.clocks : std::max(wait.clocks, wait.seconds * rate_.hertz());
 }
 
-double WaitComparison::clocksOf(const Run& run) const {
+double WaitComparison::clocksOf(Run run) const {
   double sum = 0;
-  for (const PlacedWait* wait = run.first; wait <= run.last; ++wait) sum += clocksOf(wait->wait);
+  for (const PlacedWait& wait : run) sum += clocksOf(wait.wait) * static_cast<double>(wait.times);
   return sum;
 }
 
 std::vector<WaitComparison::Run> WaitComparison::runsOf(const std::vector<PlacedWait>& waits) {
   std::vector<Run> runs;
   for (const PlacedWait& wait : waits) {
-    const bool more = !runs.empty() && runs.back().first->position == wait.position;
-    if (!more) runs.push_back({&wait, &wait});
-    runs.back().last = &wait;
+    const bool more = !runs.empty() && runs.back().front().position == wait.position;
+    if (more) {
+      runs.back() = {runs.back().data(), runs.back().size() + 1};
+    } else {
+      runs.emplace_back(&wait, 1);
+    }
   }
   return runs;
 }
 
-void WaitComparison::checkMaximum(const PlacedWait& source, const PlacedWait& converted) {
-  if (source.wait.maximum < 0 || source.wait.maximum == converted.wait.maximum) return;
-  findings_.add(Difference::kMaximumTimes, 0, [&] { return textOf("source", source, source); });
+void WaitComparison::checkMaximum(const PlacedWait& source, Run converted) {
+  const auto keeps = [&source](const PlacedWait& wait) {
+    return wait.wait.maximum == source.wait.maximum;
+  };
+  if (source.wait.maximum < 0 || std::any_of(converted.begin(), converted.end(), keeps)) return;
+  findings_.add(
+      Difference::kMaximumTimes, 0,
+      [&] {
+        return textOf("source", {&source, 1});
+      },
+      source.times);
 }
 
-void WaitComparison::judge(double missing, const Run& source, const Run& converted) {
+void WaitComparison::judge(double missing, Run source, Run converted) {
   const auto text = [&] {
-    return textOf("source", *source.first, *source.last) + ", " +
-           textOf("converted", *converted.first, *converted.last);
+    return textOf("source", source) + ", " + textOf("converted", converted);
   };
-  const auto waits = static_cast<std::uint64_t>(source.last - source.first + 1);
-  const bool otherClock = source.first->wait.systemClock != converted.first->wait.systemClock;
-  if (missing > slackOf(clocksOf(source))) {
-    findings_.add(Difference::kShorterWaits, missing, text, waits);
-  } else if (source.state() != converted.state() || otherClock) {
+  const std::uint64_t waits = countOf(source);
+  const double slack = slackOf(clocksOf(source));
+  const auto systemClock = [](Run run) { return run.front().wait.systemClock; };
+  if (missing > slack) {
+    short_.push_back({missing, text(), waits});
+  } else if (stateOf(source) != stateOf(converted) ||
+             systemClock(source) != systemClock(converted)) {
     findings_.add(Difference::kMovedWaits, 0, text, waits);
-  } else if (-missing > slackOf(clocksOf(source))) {
+  } else if (-missing > slack) {
     extra_.push_back({-missing, text()});
   } else {
     same_ += waits;
@@ -98,7 +120,7 @@ void WaitComparison::judge(double missing, const Run& source, const Run& convert
 }
 
 void WaitComparison::one(const PlacedWait& source, const PlacedWait& converted) {
-  checkMaximum(source, converted);
+  checkMaximum(source, {&converted, 1});
   const Wait& from = source.wait;
   const Wait& to = converted.wait;
   double missing = 0;  // clocks
@@ -111,38 +133,49 @@ void WaitComparison::one(const PlacedWait& source, const PlacedWait& converted) 
     usedRate_ = true;
     missing = clocksOf(from) - clocksOf(to);
   }
-  judge(missing, {&source, &source}, {&converted, &converted});
+  judge(missing, {&source, 1}, {&converted, 1});
 }
 
-void WaitComparison::pair(const Run& source, const Run& converted, bool learn) {
-  const auto isTime = [](const PlacedWait& wait) {
-    return wait.wait.clocks < 0 && wait.wait.seconds > 0;
-  };
-  const auto isCount = [](const PlacedWait& wait) { return wait.wait.seconds < 0; };
-  if (std::all_of(source.first, source.last + 1, isTime) &&
-      std::all_of(converted.first, converted.last + 1, isCount)) {
-    double seconds = 0;
-    const auto waits = source.last - source.first + 1;
-    for (const PlacedWait* wait = source.first; wait <= source.last; ++wait) {
-      seconds += wait->wait.seconds;
-    }
-    if (learn && !rate_.learn(seconds, clocksOf(converted), static_cast<double>(waits))) {
-      findings_.add(
-          Difference::kShorterWaits, 0, [this] { return firstTime_; }, timesJudged_);
-      same_ -= std::min(same_, timesJudged_);
-      timesJudged_ = 0;
-    }
-    if (timesJudged_ == 0) firstTime_ = textOf("source", *source.first, *source.last);
-    timesJudged_ += static_cast<std::uint64_t>(waits);
+void WaitComparison::learnRate(Run source, Run converted) {
+  double seconds = 0;
+  double counts = 0;
+  std::uint64_t times = 0;
+  for (const PlacedWait& wait : source) {
+    const bool isTime = wait.wait.seconds >= 0;
+    if (isTime && wait.wait.clocks >= 0) return;  // a form may take one of them, or both
+    const auto repeated = static_cast<double>(wait.times);
+    (isTime ? seconds : counts) += repeated * std::max(wait.wait.clocks, wait.wait.seconds);
+    times += isTime ? wait.times : 0;
   }
-  if (source.last - source.first == converted.last - converted.first) {
-    const PlacedWait* to = converted.first;
-    for (const PlacedWait* from = source.first; from <= source.last; ++from) one(*from, *to++);
+  const auto isTime = [](const PlacedWait& wait) { return wait.wait.seconds >= 0; };
+  if (times == 0 || std::any_of(converted.begin(), converted.end(), isTime)) return;
+  // There must be no wait among them that is not the source's.
+  const std::uint64_t parts = countOf(converted);
+  const bool isCut = inParts_ && countOf(source) == 1 && converted.size() <= 2 &&
+                     converted.back().wait.clocks <= converted.front().wait.clocks;
+  if (parts != countOf(source) && !isCut && (inParts_ || parts != 1)) return;
+  if (!rate_.learn(seconds, clocksOf(converted) - counts, static_cast<double>(times))) {
+    findings_.add(
+        Difference::kShorterWaits, 0, [this] { return firstTime_; }, timesJudged_);
+    same_ -= std::min(same_, timesJudged_);
+    timesJudged_ = 0;
+  }
+  if (timesJudged_ == 0) firstTime_ = textOf("source", source);
+  timesJudged_ += times;
+}
+
+void WaitComparison::pair(Run source, Run converted, bool learn) {
+  if (learn) learnRate(source, converted);
+  const auto sameTimes = [](const PlacedWait& left, const PlacedWait& right) {
+    return left.times == right.times;
+  };
+  if (std::equal(source.begin(), source.end(), converted.begin(), converted.end(), sameTimes)) {
+    for (std::size_t i = 0; i < source.size(); ++i) one(source[i], converted[i]);
     return;
   }
-  for (const PlacedWait* wait = source.first; wait <= source.last; ++wait) {
-    usedRate_ = usedRate_ || wait->wait.seconds >= 0;
-    checkMaximum(*wait, {});
+  for (const PlacedWait& wait : source) {
+    usedRate_ = usedRate_ || wait.wait.seconds >= 0;
+    checkMaximum(wait, converted);
   }
   judge(clocksOf(source) - clocksOf(converted), source, converted);
 }
@@ -160,15 +193,24 @@ bool WaitComparison::claim(std::vector<Open>& extra, Open& lost) {
     item.clocks -= part;
     left -= part;
   }
-  findings_.add(Difference::kMovedWaits, lost.clocks,
-                [&] { return lost.text + (text.empty() ? "" : "; moved to: " + text); });
+  findings_.add(
+      Difference::kMovedWaits, lost.clocks,
+      [&] { return lost.text + (text.empty() ? "" : "; moved to: " + text); }, lost.waits);
   return true;
 }
 
 void WaitComparison::compare(const std::vector<PlacedWait>& source,
                              const std::vector<PlacedWait>& converted) {
-  if (source.empty() && converted.empty() && lostBefore_.empty() && extraBefore_.empty()) return;
-  count_ += source.size();
+  const auto equal = [](const PlacedWait& left, const PlacedWait& right) {
+    return left.wait == right.wait && left.times == right.times && left.position == right.position;
+  };
+  const std::uint64_t count = countOf(source);
+  count_ += count;
+  if (lostBefore_.empty() && extraBefore_.empty() &&
+      std::equal(source.begin(), source.end(), converted.begin(), converted.end(), equal)) {
+    same_ += count;
+    return;
+  }
   const std::vector<Run> from = runsOf(source);
   const std::vector<Run> to = runsOf(converted);
   std::vector<bool> taken(to.size());
@@ -176,30 +218,38 @@ void WaitComparison::compare(const std::vector<PlacedWait>& source,
   std::size_t next = 0;
   for (std::size_t i = 0; i < from.size(); ++i) {
     std::size_t at = inStep ? i : next;
-    while (!inStep && at < to.size() && to[at].state() != from[i].state()) ++at;
+    while (!inStep && at < to.size() && stateOf(to[at]) != stateOf(from[i])) ++at;
     if (at < to.size()) {
       taken[at] = true;
       next = at + 1;
-      pair(from[i], to[at], inStep && from[i].state() == to[at].state());
+      pair(from[i], to[at], inStep && stateOf(from[i]) == stateOf(to[at]));
       continue;
     }
-    for (const PlacedWait* wait = from[i].first; wait <= from[i].last; ++wait) {
-      const double clocks = clocksOf(wait->wait);
-      if (clocks > 0) lost_.push_back({clocks, textOf("source", *wait, *wait)});
-      same_ += clocks > 0 ? 0 : 1;
+    for (const PlacedWait& wait : from[i]) {
+      const Run alone(&wait, 1);
+      const double clocks = clocksOf(alone);
+      if (clocks > 0) lost_.push_back({clocks, textOf("source", alone), wait.times});
+      same_ += clocks > 0 ? 0 : wait.times;
     }
   }
   for (std::size_t i = 0; i < to.size(); ++i) {
     const double clocks = taken[i] ? 0 : clocksOf(to[i]);
-    if (clocks > 0) extra_.push_back({clocks, textOf("converted", *to[i].first, *to[i].last)});
+    if (clocks > 0) extra_.push_back({clocks, textOf("converted", to[i])});
   }
 
-  // What is missing here may be found beside it, after this scan or after the one
-  // before, or still after the next one.
+  // What is missing here may be found beside it: between these two scans, or, if it
+  // is all of a wait, after the scan before or still after the next one.
+  for (Open& part : short_) {
+    if (claim(extra_, part)) continue;
+    findings_.add(
+        Difference::kShorterWaits, part.clocks, [&] { return part.text; }, part.waits);
+  }
+  short_.clear();
   std::erase_if(lost_, [this](Open& lost) { return claim(extra_, lost); });
   for (Open& lost : lostBefore_) {
     if (claim(extra_, lost)) continue;
-    findings_.add(Difference::kLostWaits, lost.clocks, [&] { return lost.text; });
+    findings_.add(
+        Difference::kLostWaits, lost.clocks, [&] { return lost.text; }, lost.waits);
   }
   std::erase_if(lost_, [this](Open& lost) { return claim(extraBefore_, lost); });
   for (const Open& extra : extraBefore_) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,17 +38,20 @@ class ClockRate {
   double high_ = 0;
 };
 
-/// A wait between two scans.
+/// A wait between two scans, or equal ones in a row.
 struct PlacedWait {
   Wait wait;
   std::size_t position = 0;  ///< waits with the same one have no move between them
-  Place place;
+  Place place;               ///< of the first
+  std::uint64_t times = 1;
 };
 
 /// Compares the waits of two files, those between two scans at a time.
 class WaitComparison {
  public:
-  WaitComparison(ClockRate& rate, Findings& findings) : rate_(rate), findings_(findings) {}
+  /// `inParts`: the converted form cuts long waits into parts.
+  WaitComparison(ClockRate& rate, Findings& findings, bool inParts)
+      : rate_(rate), findings_(findings), inParts_(inParts) {}
 
   void compare(const std::vector<PlacedWait>& source, const std::vector<PlacedWait>& converted);
   void finish();  ///< at the end of both files
@@ -57,29 +61,29 @@ class WaitComparison {
   bool usedRate() const { return usedRate_; }  ///< times were compared with clocks
 
  private:
-  struct Run {
-    const PlacedWait* first = nullptr;
-    const PlacedWait* last = nullptr;
-    TapState state() const { return first->wait.state; }
-  };
-  // A wait of the source that was not found, or what the converted file waits
-  // beyond the source.
+  using Run = std::span<const PlacedWait>;  // waits without a move between them
+
+  // A wait of the source that was not found, what is missing of one, or what the
+  // converted file waits beyond the source.
   struct Open {
     double clocks = 0;
     std::string text;
+    std::uint64_t waits = 1;
   };
 
   static std::vector<Run> runsOf(const std::vector<PlacedWait>& waits);
-  void pair(const Run& source, const Run& converted, bool learn);
+  void pair(Run source, Run converted, bool learn);
+  void learnRate(Run source, Run converted);
   void one(const PlacedWait& source, const PlacedWait& converted);
-  void judge(double missing, const Run& source, const Run& converted);
+  void judge(double missing, Run source, Run converted);
   double clocksOf(const Wait& wait) const;
-  double clocksOf(const Run& run) const;
+  double clocksOf(Run run) const;
   bool claim(std::vector<Open>& extra, Open& lost);
-  void checkMaximum(const PlacedWait& source, const PlacedWait& converted);
+  void checkMaximum(const PlacedWait& source, Run converted);
 
   ClockRate& rate_;
   Findings& findings_;
+  bool inParts_;
   std::uint64_t count_ = 0;
   std::uint64_t same_ = 0;
   bool usedRate_ = false;
@@ -88,6 +92,7 @@ class WaitComparison {
   std::uint64_t timesJudged_ = 0;
   std::string firstTime_;
 
+  std::vector<Open> short_;
   std::vector<Open> lost_;
   std::vector<Open> extra_;
   std::vector<Open> lostBefore_;  // between the two scans before
