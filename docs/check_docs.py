@@ -35,7 +35,8 @@ def main(program):
     faults = []
     with tempfile.TemporaryDirectory() as folder:
         os.symlink(pathlib.Path(program).resolve(), pathlib.Path(folder, "tapforge"))
-        shutil.copytree(ROOT / "examples", pathlib.Path(folder, "examples"))
+        for part in ("examples", "player"):
+            shutil.copytree(ROOT / part, pathlib.Path(folder, part))
         environment = {**os.environ, "PATH": folder + os.pathsep + os.environ["PATH"]}
         for document in [*documents, ROOT / "docs/tapforge.1"]:
             for command, expected in examples(document):

@@ -151,7 +151,10 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
       {"named steps may shift", "KSTATE 01 KSTATE 02 KSTATE 03 KSTATE 04 KSTATE 04 KSTATE 05",
        "1 2 3 4< 1 1>5"},
       {"a state without its steps is reached the short way, reset with five clocks",
-       "KSTATE 0d KSTATE 06 KSTATE 01 KSTATE 00 KSTATE 00", "129acd ef2356 781 29000 00000"},
+       "KSTATE 0d KSTATE 06 KSTATE 01 KSTATE 00 KSTATE 00 KSTATE 0f",
+       "129acd ef2356 781 29000 00000 129acf"},
+      {"the end leaves the TAP where it is", "KSTATE 0b KSTATE 0b", "129ab< 1"},
+      {"even there", "KSTATE 04", "1234<"},
       {"waits where they stand",
        "KWAIT 00 00 00000002 KWAIT 01 06 00000001 KWAIT 06 06 00000002 KWAIT 0d 01 00000000",
        "00 1 1 2356 66 7829acd ef1"},
@@ -159,12 +162,14 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
       {"compared under its mask", "KSDRSIZE 00000005 KTDOMASK 16 KSDRTDO 00 1f", "1234<00000>581",
        "01101"},
       {"a zero mask is the first one", "KSDRSIZE 00000002 KSDRTDO 00 03", "1234<00>581", "00"},
-      {"a wrong bit keeps the data from their update",
-       "KSDRSIZE 00000009 KTDOMASK 01ff KSDRTDO 0000 0100", "1234<000000000>56", "000000000",
-       "scan 1 bit 8 expected 1 seen 0"},
+      {"the first wrong bit is named, and all keep the data from their update",
+       "KSDRSIZE 0000000d KTDOMASK 1f80 KSDRTDO 0000 11ff", "1234<0000000000000>56", "",
+       "scan 1 bit 7 expected 1 seen 0"},
+      {"in each byte of the mask", "KSDRSIZE 00000018 KTDOMASK 010088 KSDRTDO 000000 feff77",
+       "1234<000000000000000000000000>581"},
       {"a shorter scan takes the leading digits of the mask",
        "KSDRSIZE 00000010 KTDOMASK ff00 KSDRSIZE 00000008 KSDRTDO 00 ff", "1234<00000000>56",
-       "11111110", "scan 1 bit 7 expected 1 seen 0"},
+       "11101111", "scan 1 bit 3 expected 1 seen 0"},
       {"of an odd number, too, and the mask stays whole",
        "KSDRSIZE 0000000c KTDOMASK 010f KSDRSIZE 00000005 KSDRTDO 00 0f KSDRSIZE 0000000c "
        "KSDRTDO 0000 0007",
@@ -178,14 +183,23 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
       {"as often as the count says, and the last one is reported",
        "KREPEAT 01 KENDDR 01 KSDRSIZE 00000002 KTDOMASK 03 KSDRTDO 00 02", "1234<00>56 78234<00>56",
        "00 11", "scan 1 bit 0 expected 0 seen 1"},
+      {"for each scan anew", "KREPEAT 01 KSDRSIZE 00000001 KTDOMASK 01 KSDRTDO 00 01 KSDRTDO 01 01",
+       "1234<0>581 234<0>581 234<1>581 234<1>581", "01 01"},
       {"records are one scan, compared in all bits, with the wait after the last",
        "KRUNTEST 00000001 KSIR 01 00 KSDRSIZE 00000008 KTDOMASK 00 KSDRTDOB 0f 81 KSDRTDOC 01 00 "
        "KSDRSIZE 00000003 KSDRTDOE 06 04 KSDRB 07 KSDRSIZE 00000001 KSDRE 01 KSIR 01 01",
        "129ab<0>cf11 234<1111000010000000011>5811 234<1111>5811 29ab<1>cf11",
        "10000001 00000000 001"},
+      {"which begins and ends like others",
+       "KENDDR 01 KSDRSIZE 00000001 KSDRB 01 KSDRE 01 KSDRB 00 KSDRE 00", "1234<11>56 78234<00>56"},
+      {"after it bits count from 0 again",
+       "KSDRSIZE 00000001 KTDOMASK 01 KSDRB 01 KSDRE 01 KSDRTDO 00 01", "1234<11>581 234<0>56", "",
+       "scan 2 bit 0 expected 1 seen 0"},
       {"a record that differs is the last one played",
        "KREPEAT 01 KSDRSIZE 00000008 KSDRTDOB 00 00 KSDRTDOC 00 80 KSDRTDOE 00 00",
        "1234<00000000 00000000 1>56", "", "scan 1 bit 15 expected 1 seen 0"},
+      {"also the last one", "KSDRSIZE 00000001 KSDRB 00 KSDRTDOE 01 01", "1234<01>56", "",
+       "scan 1 bit 1 expected 1 seen 0"},
   };
   for (const Play& row : kPlays) {
     SCOPED_TRACE(row.what);
@@ -261,6 +275,19 @@ TEST(KsvfPlayer, WaitsAfterDataScansOnlyForOldFiles) {
             "11"
             "234<1>581"
             "11");
+}
+
+TEST(KsvfPlayer, ShowsEachStep) {
+  Board board{
+      bytesOf("KREPEAT 00 KSIR 01 01 KSDRSIZE 00000001 KSDR 01 KSIR 01 00 KSDRB 00 KSDRE 00 "
+              "KSIR 01 00 KCOMPLETE")};
+  ksvf_begin(&player, &board);
+  std::string seen;
+  while (ksvf_step(&player) == KSVF_PLAYING) {
+    seen += std::to_string(player.command) + (player.instruction ? "i" : "d") +
+            std::to_string(player.scan) + "+" + std::to_string(player.bits_before) + " ";
+  }
+  EXPECT_EQ(seen, "7d0+0 2i1+0 8i1+0 3d2+0 2i3+0 12d4+0 14d4+1 2i5+0 ");
 }
 
 TEST(KsvfPlayer, BeginsInResetFromAnyState) {

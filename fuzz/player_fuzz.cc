@@ -1,0 +1,85 @@
+// The player on a board that answers as the input says: no file may crash it,
+// take it past the end of the file or out of step with the TAP, or make it leave
+// data that did not match anywhere but in Pause-DR.
+
+#include <array>
+#include <string_view>
+
+#include "fuzz/fuzz_input.h"
+#include "player/ksvf_player.h"
+
+using tapforge::fuzz::require;
+
+namespace {
+
+struct Board {
+  const std::uint8_t* file;
+  std::size_t size;
+  unsigned wrongBits;  // of the answers: none, or the ones where this divides the clock's number
+  std::size_t read = 0;
+  bool ended = false;
+  unsigned state = 4;
+  std::uint32_t clocks = 0;
+  std::uint32_t shifted = 0;  // bits since the TAP came to the shift state
+};
+
+KsvfPlayer player;
+
+}  // namespace
+
+int ksvf_port_read(void* port) {
+  auto& board = *static_cast<Board*>(port);
+  require(!board.ended, "nothing is read past the end");
+  board.ended = board.read == board.size;
+  return board.ended ? -1 : board.file[board.read++];
+}
+
+int ksvf_port_clock(void* port, int tms, int tdi) {
+  constexpr std::array<std::string_view, 16> kNext = {"10", "12", "39", "45", "45", "68",
+                                                      "67", "48", "12", "a0", "bc", "bc",
+                                                      "df", "de", "bf", "12"};
+  auto& board = *static_cast<Board*>(port);
+  const char next = kNext[board.state][tms != 0 ? 1 : 0];
+  const bool shifts = board.state == 4 || board.state == 11;
+  if (board.clocks >= 5) require(player.state == board.state, "the player knows the state");
+  if (!shifts) require(tdi == 1, "TDI rests at 1");
+  if (!shifts) board.shifted = 0;
+  board.state = static_cast<unsigned>(next >= 'a' ? next - 'a' + 10 : next - '0');
+  ++board.clocks;
+  const std::uint32_t bit = board.shifted - player.bits_before;
+  if (shifts) ++board.shifted;
+  const bool known = shifts && player.compare != KSVF_COMPARE_NONE && bit < player.bits;
+  const bool wrong = board.wrongBits != 0 && board.clocks % board.wrongBits == 0;
+  const bool expected =
+      known && (player.tdo[(player.bits + 7) / 8 - 1 - bit / 8] >> bit % 8 & 1) != 0;
+  return expected != wrong ? 1 : 0;
+}
+
+void ksvf_port_wait(void* port, int tms, std::uint32_t clocks) {
+  const unsigned state = static_cast<Board*>(port)->state;
+  require(tms != 0 ? state == 0 : state == 1 || state == 6 || state == 13, "a wait stays");
+  require(clocks > 0, "an empty wait is none");
+}
+
+void ksvf_port_comment(void* /*port*/, int character) {
+  require(character >= 0 && character < 256, "a comment has characters");
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  Board board{data + 1, size - 1, data[0] / 2U};
+  ksvf_begin(&player, &board);
+  player.wait_after_data_only = data[0] % 2 != 0;
+  const KsvfResult result = ksvf_play(&player);
+  require(result != KSVF_PLAYING && ksvf_step(&player) == result, "a play comes to its end");
+  require(player.offset == board.read && player.command_offset <= board.read,
+          "offsets count bytes");
+  require(player.bits <= KSVF_MAX_BITS, "no scan is too long");
+  if (result == KSVF_DONE) return 0;
+  require(player.state != KSVF_DR_SHIFT, "a broken scan does not stay in the shift state");
+  if (result != KSVF_MISMATCH) return 0;
+  require(player.state == KSVF_DR_PAUSE, "data that did not match wait in Pause-DR");
+  require(player.scan > 0 && player.expected != player.seen, "a mismatch has its bit");
+  require(board.wrongBits != 0, "a right answer matches");
+  return 0;
+}
