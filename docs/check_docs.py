@@ -34,11 +34,12 @@ def main(program):
     documents = sorted(p for d in (".", "docs", "examples", "bench") for p in (ROOT / d).glob("*.md"))
     faults = []
     with tempfile.TemporaryDirectory() as folder:
-        os.symlink(pathlib.Path(program).resolve(), pathlib.Path(folder, "tapforge"))
+        for name in ("tapforge", "tapforge-replay"):
+            os.symlink(pathlib.Path(program).resolve().with_name(name), pathlib.Path(folder, name))
         for part in ("examples", "player"):
             shutil.copytree(ROOT / part, pathlib.Path(folder, part))
         environment = {**os.environ, "PATH": folder + os.pathsep + os.environ["PATH"]}
-        for document in [*documents, ROOT / "docs/tapforge.1"]:
+        for document in [*documents, *ROOT.glob("docs/*.1")]:
             for command, expected in examples(document):
                 run = subprocess.run(["sh", "-c", command], cwd=folder, env=environment, text=True,
                                      stdout=subprocess.PIPE, stderr=subprocess.STDOUT)

@@ -325,8 +325,9 @@ std::string Comparison::report() const {
     const auto difference = static_cast<Difference>(i);
     const Findings::Entry& entry = findings_[difference];
     if (entry.count == 0) continue;
-    text += std::string(ruleOf(difference).name) + ": " + std::to_string(entry.count) + ' ' +
-            std::string(ruleOf(difference).meaning) + "\n  first: " + entry.first + "\n";
+    text.append(ruleOf(difference).name).append(": ").append(std::to_string(entry.count));
+    text.append(" (").append(ruleOf(difference).meaning).append(")\n");
+    text.append("  first: ").append(entry.first).append("\n");
     if (!entry.largest.empty()) text += "  largest: " + entry.largest + "\n";
   }
   return text;

@@ -8,6 +8,7 @@ namespace tapforge_replay {
 namespace {
 
 constexpr double kDefaultHertz = 1e6;
+constexpr std::size_t kMostPairs = 1 << 20;
 constexpr double kSinglePrecision = 2e-7;  // relative error of a product that a converter makes
 
 // Rounding here must not turn equal amounts into different ones.
@@ -180,6 +181,42 @@ void WaitComparison::pair(Run source, Run converted, bool learn) {
   judge(clocksOf(source) - clocksOf(converted), source, converted);
 }
 
+// One by one where there are as many. Else the pairing in which most goes together,
+// as long as that is not too much work.
+std::vector<std::size_t> WaitComparison::align(const std::vector<Run>& source,
+                                               const std::vector<Run>& converted) const {
+  const std::size_t rows = source.size() + 1;
+  const std::size_t columns = converted.size() + 1;
+  std::vector<std::size_t> pairs(source.size(), converted.size());
+  if (rows == columns || converted.empty() || rows * columns > kMostPairs) {
+    for (std::size_t i = 0; i < pairs.size(); ++i) pairs[i] = i;
+    return pairs;
+  }
+  const auto likeness = [this](Run from, Run to) -> unsigned {
+    const double missing = clocksOf(from) - clocksOf(to);
+    if (stateOf(from) != stateOf(to)) return 1;
+    return std::abs(missing) <= slackOf(clocksOf(from)) ? 5 : missing < 0 ? 3 : 2;
+  };
+  std::vector<unsigned> best(rows * columns);  // of the first so many runs of both
+  const auto at = [columns](std::size_t i, std::size_t j) { return i * columns + j; };
+  for (std::size_t i = 1; i < rows; ++i) {
+    for (std::size_t j = 1; j < columns; ++j) {
+      const unsigned together = best[at(i - 1, j - 1)] + likeness(source[i - 1], converted[j - 1]);
+      best[at(i, j)] = std::max({best[at(i - 1, j)], best[at(i, j - 1)], together});
+    }
+  }
+  for (std::size_t i = rows - 1, j = columns - 1; i > 0 && j > 0;) {
+    if (best[at(i, j)] == best[at(i - 1, j)]) {
+      --i;
+    } else if (best[at(i, j)] == best[at(i, j - 1)]) {
+      --j;
+    } else {
+      pairs[--i] = --j;
+    }
+  }
+  return pairs;
+}
+
 bool WaitComparison::claim(std::vector<Open>& extra, Open& lost) {
   double sum = 0;
   for (const Open& item : extra) sum += item.clocks;
@@ -214,14 +251,11 @@ void WaitComparison::compare(const std::vector<PlacedWait>& source,
   const std::vector<Run> from = runsOf(source);
   const std::vector<Run> to = runsOf(converted);
   std::vector<bool> taken(to.size());
+  const std::vector<std::size_t> pairs = align(from, to);
   const bool inStep = from.size() == to.size();
-  std::size_t next = 0;
   for (std::size_t i = 0; i < from.size(); ++i) {
-    std::size_t at = inStep ? i : next;
-    while (!inStep && at < to.size() && stateOf(to[at]) != stateOf(from[i])) ++at;
-    if (at < to.size()) {
+    if (const std::size_t at = pairs[i]; at < to.size()) {
       taken[at] = true;
-      next = at + 1;
       pair(from[i], to[at], inStep && stateOf(from[i]) == stateOf(to[at]));
       continue;
     }

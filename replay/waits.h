@@ -71,6 +71,10 @@ class WaitComparison {
     std::uint64_t waits = 1;
   };
 
+  // For each run of the source the index of the converted one that goes with it,
+  // or a number above all of these.
+  std::vector<std::size_t> align(const std::vector<Run>& source,
+                                 const std::vector<Run>& converted) const;
   static std::vector<Run> runsOf(const std::vector<PlacedWait>& waits);
   void pair(Run source, Run converted, bool learn);
   void learnRate(Run source, Run converted);

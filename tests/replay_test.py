@@ -177,7 +177,7 @@ def cut(data, place, text, copies):
 
 EXPECTED = {
     "TDI": ({"scans"}, "TDI differs"), "TDO": ({"scans"}, "expected TDO differs"),
-    "MASK": ({"compared-less", "compared-more"}, ""), "wait": ({"shorter-waits"}, ""),
+    "MASK": ({"compared-less", "compared-more"}, ""), "wait": ({"shorter-waits", "lost-waits"}, ""),
     "move": ({"state-moves"}, ""), "end": ({"end-states", "state-moves"}, ""),
     "drop": ({"scans"}, ""), "double": ({"scans"}, ""),
 }  # fmt: skip
@@ -223,13 +223,16 @@ def find_faults(runner, options, loses, seeds):
             if "no-way" in found or (fault in ("end", "move") and not found):
                 continue  # what comes after it leads nowhere, or to the same states
             assert found & classes and what in report, message
-            first = next(line for line in report.splitlines() if line.startswith("  first"))
+            heading = r"(?:" + "|".join(classes) + r"): \d.*\n  first: (.*)"
+            first = re.search(heading, report)[1]
             if fault in ("drop", "double"):
                 places = [f"scan {number + 1 + (fault == 'double')},"]
             elif fault == "move":  # it may show only in what comes after it
                 ahead = after["all"][after["all"].index(after[kind][number]) :]
                 scans = [i for i, (_, text) in enumerate(ahead) if text.startswith("scan")]
                 places = [f"converted {at} " for at, _ in ahead[: scans[0] + 1 if scans else None]]
+                if not place.startswith("byte"):  # where each step of a path is a move
+                    places.append(f"source {before[kind][number][0]} ")
             elif fault != "end":
                 places = [f"source {before[kind][number][0]}" + sign for sign in " ,"]
             assert fault == "end" or any(place in first for place in places), message
