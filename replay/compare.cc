@@ -151,7 +151,11 @@ void Comparison::run() {
 }
 
 void Comparison::compareGaps() {
-  if (source_.gap.walk != converted_.gap.walk) compareWalks();
+  const bool differentEnds =  // that is told of the scans
+      source_.atScan && converted_.atScan
+          ? source_.operation.instruction != converted_.operation.instruction
+          : source_.ended != converted_.ended;
+  if (!differentEnds && source_.gap.walk != converted_.gap.walk) compareWalks();
   waits_.compare(source_.gap.waits, converted_.gap.waits);
   if (source_.gap.settings.empty() && converted_.gap.settings.empty()) return;
   for (const Side* side : {&source_, &converted_}) {
@@ -256,6 +260,8 @@ bool Comparison::compareScans() {
     return bits != nullptr ? bits->word(i) : otherwise;
   };
   const std::uint64_t all = ~std::uint64_t{0};
+  const std::size_t bitsOfLast = from.tdi->size() % Bits::kWordBits;
+  const std::uint64_t last = bitsOfLast == 0 ? all : (std::uint64_t{1} << bitsOfLast) - 1;
   BitCount tdi;
   BitCount tdo;
   BitCount less;
@@ -269,7 +275,8 @@ bool Comparison::compareScans() {
     less.add(wanted & ~seen, i);
     more.add(seen & ~wanted, i);
     tdo.add((word(from.tdo, i, 0) ^ word(to.tdo, i, 0)) & wanted & seen, i);
-    if (to.care != nullptr) open.add(care & ~to.care->word(i), i);
+    const std::uint64_t inside = i + 1 == from.tdi->wordCount() ? last : all;
+    if (to.care != nullptr) open.add(care & inside & ~to.care->word(i), i);
   }
   const auto add = [this](Difference difference, const BitCount& bits, const char* what) {
     if (bits.count == 0) return;

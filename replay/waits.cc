@@ -114,7 +114,7 @@ void WaitComparison::judge(double missing, Run source, Run converted) {
              systemClock(source) != systemClock(converted)) {
     findings_.add(Difference::kMovedWaits, 0, text, waits);
   } else if (-missing > slack) {
-    extra_.push_back({-missing, text()});
+    extra_.push_back({-missing, text(), 1, textOf("converted", converted)});
   } else {
     same_ += waits;
   }
@@ -225,14 +225,14 @@ bool WaitComparison::claim(std::vector<Open>& extra, Open& lost) {
   std::string text;
   for (Open& item : extra) {
     if (item.clocks <= 0 || left <= 0) continue;
-    if (text.empty()) text = item.text;
+    if (text.empty()) text = item.converted;
     const double part = std::min(left, item.clocks);
     item.clocks -= part;
     left -= part;
   }
   findings_.add(
       Difference::kMovedWaits, lost.clocks,
-      [&] { return lost.text + (text.empty() ? "" : "; moved to: " + text); }, lost.waits);
+      [&] { return lost.text + (text.empty() ? "" : ", now part of " + text); }, lost.waits);
   return true;
 }
 
@@ -268,7 +268,8 @@ void WaitComparison::compare(const std::vector<PlacedWait>& source,
   }
   for (std::size_t i = 0; i < to.size(); ++i) {
     const double clocks = taken[i] ? 0 : clocksOf(to[i]);
-    if (clocks > 0) extra_.push_back({clocks, textOf("converted", to[i])});
+    if (clocks > 0)
+      extra_.push_back({clocks, textOf("converted", to[i]), 1, textOf("converted", to[i])});
   }
 
   // What is missing here may be found beside it: between these two scans, or, if it

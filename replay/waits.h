@@ -69,6 +69,7 @@ class WaitComparison {
     double clocks = 0;
     std::string text;
     std::uint64_t waits = 1;
+    std::string converted{};  // of text, the part about that file
   };
 
   // For each run of the source the index of the converted one that goes with it,

@@ -251,9 +251,10 @@ def main():
     runner = Runner(args.tapforge, args.replay)
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
-        for form in FORMS if args.files else ():
+        for i, form in enumerate(FORMS):
+            first = args.first + i * args.files  # other files for each form
             if not args.options or form[0] in args.options:
-                play(runner, form, range(args.first, args.first + args.files))
+                play(runner, form, range(first, first + args.files))
         for options, loses in (("", SVF_LOSES), ("-c", SVF_LOSES), ("-tapbus -max_rti_tck 99999999", TCL_LOSES),
                                ("-tapbus -c -max_rti_tck 99999999", TCL_LOSES),
                                ("-ksvf -kwait -extensions", KWAIT_LOSES)):  # fmt: skip
