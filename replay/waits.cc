@@ -109,12 +109,12 @@ void WaitComparison::judge(double missing, Run source, Run converted) {
   const double slack = slackOf(clocksOf(source));
   const auto systemClock = [](Run run) { return run.front().wait.systemClock; };
   if (missing > slack) {
-    short_.push_back({missing, text(), waits});
+    short_.push_back({missing, text(), waits, {}, false});
   } else if (stateOf(source) != stateOf(converted) ||
              systemClock(source) != systemClock(converted)) {
     findings_.add(Difference::kMovedWaits, 0, text, waits);
   } else if (-missing > slack) {
-    extra_.push_back({-missing, text(), 1, textOf("converted", converted)});
+    extra_.push_back({-missing, text(), 1, textOf("converted", converted), false});
   } else {
     same_ += waits;
   }
@@ -218,13 +218,15 @@ std::vector<std::size_t> WaitComparison::align(const std::vector<Run>& source,
 }
 
 bool WaitComparison::claim(std::vector<Open>& extra, Open& lost) {
+  // What a wait lacks is not made up for by another one that is too long.
+  const auto helps = [&lost](const Open& item) { return lost.whole || item.whole; };
   double sum = 0;
-  for (const Open& item : extra) sum += item.clocks;
+  for (const Open& item : extra) sum += helps(item) ? item.clocks : 0;
   if (sum + slackOf(lost.clocks) < lost.clocks) return false;
   double left = lost.clocks;
   std::string text;
   for (Open& item : extra) {
-    if (item.clocks <= 0 || left <= 0) continue;
+    if (item.clocks <= 0 || left <= 0 || !helps(item)) continue;
     if (text.empty()) text = item.converted;
     const double part = std::min(left, item.clocks);
     item.clocks -= part;

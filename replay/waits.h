@@ -70,6 +70,7 @@ class WaitComparison {
     std::string text;
     std::uint64_t waits = 1;
     std::string converted{};  // of text, the part about that file
+    bool whole = true;        // a wait, not a part of one
   };
 
   // For each run of the source the index of the converted one that goes with it,

@@ -178,7 +178,7 @@ def cut(data, place, text, copies):
 EXPECTED = {
     "TDI": ({"scans"}, "TDI differs"), "TDO": ({"scans"}, "expected TDO differs"),
     "MASK": ({"compared-less", "compared-more"}, ""), "wait": ({"shorter-waits", "lost-waits"}, ""),
-    "move": ({"state-moves"}, ""), "end": ({"end-states", "state-moves"}, ""),
+    "move": ({"state-moves", "end-states"}, ""), "end": ({"end-states", "state-moves"}, ""),
     "drop": ({"scans"}, ""), "double": ({"scans"}, ""),
 }  # fmt: skip
 
