@@ -172,13 +172,14 @@ void Comparison::compareGaps() {
 void Comparison::compareWalks() {
   const std::vector<TapState>& from = source_.gap.walk;
   const std::vector<TapState>& to = converted_.gap.walk;
-  const auto [left, right] = std::mismatch(from.begin(), from.end(), to.begin(), to.end());
-  const auto first = static_cast<std::size_t>(left - from.begin());
+  const auto heads = std::mismatch(from.begin(), from.end(), to.begin(), to.end());
+  const auto same = heads.first - from.begin();
+  const auto first = static_cast<std::size_t>(same);
   const Gap::Origin* const source = source_.gap.originOf(first);
   const Gap::Origin* const converted = converted_.gap.originOf(first);
   const auto text = [&] {
-    const auto tails = std::mismatch(from.rbegin(), from.rend() - (left - from.begin()),
-                                     to.rbegin(), to.rend() - (right - to.begin()));
+    const auto tails =
+        std::mismatch(from.rbegin(), from.rend() - same, to.rbegin(), to.rend() - same);
     const auto tail = static_cast<std::size_t>(tails.first - from.rbegin());
     const std::size_t before = first > 0 ? 1 : 0;  // a state that both have, for context
     const std::size_t after = tail > 0 ? 1 : 0;

@@ -10,7 +10,7 @@
 namespace tapforge_replay {
 namespace {
 
-constexpr std::size_t kBlockBytes = 256 * 1024;
+constexpr std::size_t kBlockBytes = 1 << 18;
 
 }  // namespace
 

@@ -12,7 +12,7 @@
 // a Fault can pass through it.
 #define KSVF_MAX_BITS (1 << 30)
 #define KSVF_OWN_WAIT 1
-#include "player/ksvf_player.c"
+#include "player/ksvf_player.c"  // NOLINT(bugprone-suspicious-include)
 
 namespace tapforge_replay {
 namespace {

@@ -8,7 +8,7 @@
 namespace tapforge_replay {
 namespace {
 
-constexpr std::size_t kMostWord = 64 * 1024;  // characters
+constexpr std::size_t kMostWord = 1 << 16;  // characters
 constexpr unsigned kDigitsOfWord = 16;
 constexpr std::size_t kMostBits = std::size_t{1} << 40;
 
@@ -24,12 +24,9 @@ constexpr std::uint8_t kNoDigit = 255;
 constexpr std::array<std::uint8_t, 256> digitTable() {
   std::array<std::uint8_t, 256> table{};
   table.fill(kNoDigit);
-  for (int i = 0; i < 10; ++i)
-    table[static_cast<std::size_t>('0' + i)] = static_cast<std::uint8_t>(i);
-  for (int i = 0; i < 6; ++i) {
-    table[static_cast<std::size_t>('a' + i)] = table[static_cast<std::size_t>('A' + i)] =
-        static_cast<std::uint8_t>(10 + i);
-  }
+  std::uint8_t value = 0;
+  for (const unsigned char digit : std::string_view("0123456789abcdef")) table[digit] = value++;
+  for (value = 10; value < 16; ++value) table[std::size_t{'A'} + value - 10] = value;
   return table;
 }
 constexpr std::array<std::uint8_t, 256> kDigits = digitTable();

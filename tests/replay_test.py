@@ -22,8 +22,9 @@ TCL_REFUSES = "hidden,maximum,bare-maximum"
 KSVF_REFUSES = "bare-maximum,sck"
 
 # Without these a form says all that its source says.
-SVF_LOSES = "hidden,fine-times,fine-frequency,chain-tdo,pio"
-TCL_LOSES = f"{SVF_LOSES},{TCL_REFUSES},sck,both,frequency,reset-line,run-states"
+COPY_LOSES = "hidden,fine-times,fine-frequency,chain-tdo,pio"
+SVF_LOSES = f"{COPY_LOSES},smask"
+TCL_LOSES = f"{COPY_LOSES},{TCL_REFUSES},sck,both,frequency,reset-line,run-states"
 KWAIT_LOSES = (f"{KSVF_REFUSES},fine-times,both,maximum,chain-tdo,ir-tdo,pio,reset-line,"
                "frequency,odd-ends")  # fmt: skip
 KSVF_LOSES = f"{KWAIT_LOSES},end-states,run-states,moves,loose-waits"
@@ -41,7 +42,7 @@ FORMS = [
     ("-s", "hidden", SVF, SVF_LOSES, "compared-less"),
     ("-wait 7", "hidden,moves", f"{SVF} {STATES} maximum-times",
      SVF_LOSES + ",end-states,moves,run-states,sck", "longer-waits"),
-    ("-c", "hidden", SVF, SVF_LOSES, ""),
+    ("-c", "hidden", SVF, COPY_LOSES, ""),
     ("-tapbus", TCL_REFUSES, TCL, TCL_LOSES, "shared-lines"),
     ("-tapbus -c", TCL_REFUSES, TCL, TCL_LOSES + ",sharing", ""),
     ("-tapbus -max_rti_tck 1000 -tck_freq 3000000", TCL_REFUSES, TCL, TCL_LOSES, "shared-lines"),
