@@ -7,7 +7,8 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "converter of SVF (JTAG) files to SVF, Tcl
 set(CPACK_PACKAGE_DESCRIPTION
 "tapforge reads a Serial Vector Format file, merges headers, data and trailers
 of a scan chain into whole scans, and writes them as SVF, as a Tcl script for
-a tapbus, or as compact KSVF bytes with a listing for embedded players.")
+a tapbus, or as compact KSVF bytes with a listing for embedded players.
+tapforge-replay compares what a source and a converted file do to the chain.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

@@ -9,5 +9,6 @@ set(doc ${root}/doc/tapforge)
 file(RENAME ${doc}/CHANGELOG.md ${doc}/changelog)
 file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright ${CPACK_DEBIAN_CHANGELOG} DESTINATION ${doc})
 execute_process(
-  COMMAND gzip -9n ${root}/man/man1/tapforge.1 ${doc}/changelog ${doc}/changelog.Debian
+  COMMAND gzip -9n ${root}/man/man1/tapforge.1 ${root}/man/man1/tapforge-replay.1
+          ${doc}/changelog ${doc}/changelog.Debian
   COMMAND_ERROR_IS_FATAL ANY)

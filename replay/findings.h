@@ -1,0 +1,79 @@
+#ifndef TAPFORGE_REPLAY_FINDINGS_H_
+#define TAPFORGE_REPLAY_FINDINGS_H_
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tapforge_replay {
+
+/// Ways in which a converted file can differ from its source.
+enum class Difference {
+  kScans,
+  kCare,
+  kShorterWaits,
+  kLostWaits,
+  kMovedWaits,
+  kLongerWaits,
+  kComparedLess,
+  kComparedMore,
+  kStateMoves,
+  kEndStates,
+  kResetLine,
+  kParallelIo,
+  kSharedLines,
+  kResetLineOff,
+  kFrequency,
+  kMaximumTimes,
+  kCount,
+};
+constexpr std::size_t kDifferenceCount = static_cast<std::size_t>(Difference::kCount);
+
+/// What is said about a difference. `harmless` ones leave the exit status alone:
+/// the devices get the same and no wait is shorter.
+struct DifferenceRule {
+  std::string_view name;
+  std::string_view meaning;
+  bool harmless;
+};
+const DifferenceRule& ruleOf(Difference difference);
+
+/// The difference of a name, if it can be allowed.
+std::optional<Difference> findDifference(std::string_view name);
+
+/// How often each difference was found, and where.
+class Findings {
+ public:
+  struct Entry {
+    std::uint64_t count = 0;
+    std::string first;
+    std::string largest;
+    double largestSize = 0;
+  };
+
+  /// `text()` tells the place. It is asked for the first and the largest ones only.
+  template <typename Text>
+  void add(Difference difference, double size, const Text& text, std::uint64_t count = 1) {
+    Entry& entry = entries_[static_cast<std::size_t>(difference)];
+    if (entry.count == 0) {
+      entry.first = text();
+      entry.largestSize = size;
+    } else if (size > entry.largestSize) {
+      entry.largest = text();
+      entry.largestSize = size;
+    }
+    entry.count += count;
+  }
+  const Entry& operator[](Difference difference) const {
+    return entries_[static_cast<std::size_t>(difference)];
+  }
+
+ private:
+  std::array<Entry, kDifferenceCount> entries_;
+};
+
+}  // namespace tapforge_replay
+
+#endif  // TAPFORGE_REPLAY_FINDINGS_H_

@@ -1,0 +1,204 @@
+#include <optional>
+#include <utility>
+
+#include "replay/text_reader.h"
+
+namespace tapforge_replay {
+namespace {
+
+using Kind = Operation::Kind;
+
+class SvfReader final : public TextReader {
+ public:
+  explicit SvfReader(Input& input) : TextReader(input) {}
+
+  std::string_view form() const override { return copy_ == Copy::kYes ? "SVF copy" : "SVF"; }
+
+  void next(Operation& operation) override {
+    do {
+      skipBlanks();
+      operation.kind = Kind::kEnd;
+      operation.place = {line_, input_.offset(), 0};
+      const std::string keyword(word());
+      if (keyword.empty()) break;
+      if (!statement(keyword, operation)) continue;
+      operation.place.end = input_.offset();
+      return;
+    } while (true);
+    operation.place.end = input_.offset();
+  }
+
+ private:
+  bool mayBeginComment(int character) const override {
+    return character == '!' || character == '/';
+  }
+
+  // In a copy that is not merged, "!" stands before the values of a scan.
+  bool skipComment() override {
+    if (input_.get() == '/' && input_.peek() != '/') fail("a \"/\" on its own");
+    if (copy_ != Copy::kNo && inScan_ && label()) return false;
+    skipLine();
+    return true;
+  }
+
+  bool label() {
+    if (inValue_) return copy_ == Copy::kYes;
+    std::string text;
+    while (text.size() < 8 && input_.peek() >= ' ' && !text.ends_with('(')) {
+      text += static_cast<char>(input_.get());
+    }
+    label_ = text == "   TDI ("   ? "tdi"
+             : text == "   TDO (" ? "tdo"
+             : text == "  MASK (" ? "mask"
+                                  : "";
+    if (label_.empty()) return false;
+    if (std::exchange(copy_, Copy::kYes) != Copy::kYes) {
+      note("an unmerged copy: its values are read from comments, which no player does");
+    }
+    return true;
+  }
+
+  // Returns false for a statement that is no operation.
+  bool statement(const std::string& keyword, Operation& operation) {
+    if (keyword.size() == 3 && (keyword.ends_with("ir") || keyword.ends_with("dr"))) {
+      return scan(keyword, operation);
+    }
+    if (keyword == "runtest") return runTest(operation);
+    if (keyword == "state") return path(operation);
+    if (keyword == "endir" || keyword == "enddr") {
+      const TapState end = stableState(needWord());
+      operation.kind = Kind::kEndState;
+      operation.instruction = keyword == "endir";
+      operation.word = nameOf(end);
+      tap_.setEnd(operation.instruction, end);
+      expect(";");
+      return true;
+    }
+    if (keyword == "frequency") {
+      operation.kind = Kind::kFrequency;
+      operation.hertz = -1;
+      const std::string_view value = needWord();
+      if (value == ";") return true;
+      operation.hertz = number(value);
+      expect("hz");
+      expect(";");
+      return true;
+    }
+    if (keyword == "trst" || keyword == "pio" || keyword == "piomap") {
+      operation.kind = keyword == "trst" ? Kind::kResetLine : Kind::kParallelIo;
+      operation.word = keyword == "piomap" ? "map" : "";
+      for (std::string_view part; (part = needWord()) != ";";) {
+        if (!operation.word.empty() && part != ")" && !operation.word.ends_with('(')) {
+          operation.word += ' ';
+        }
+        operation.word += part;
+      }
+      return true;
+    }
+    fail("no SVF statement: \"" + keyword + "\"");
+  }
+
+  bool scan(const std::string& keyword, Operation& operation) {
+    const bool instruction = keyword[1] == 'i';
+    const char which = keyword[0];
+    if (which != 's' && which != 'h' && which != 't') fail("no SVF statement: \"" + keyword + "\"");
+    Pattern& pattern = joiner_.pattern(instruction, which == 's'   ? ScanJoiner::kData
+                                                    : which == 'h' ? ScanJoiner::kHeader
+                                                                   : ScanJoiner::kTrailer);
+    pattern.begin(length(needWord()));
+    inScan_ = pattern.length > 0;
+    values(pattern);
+    inScan_ = false;
+    if (pattern.length > 0 && !pattern[Pattern::kTdi].given) fail("TDI is missing");
+    if (which != 's' || pattern.length == 0) return false;
+    operation.kind = Kind::kScan;
+    operation.number = ++scans_;
+    joiner_.join(instruction, operation);
+    tap_.scan(operation);
+    return true;
+  }
+
+  void values(Pattern& pattern) {
+    while (true) {
+      label_.clear();
+      const bool labelled = skipBlanks() >= 0 && !label_.empty();
+      if (copy_ == Copy::kUnknown && inScan_) copy_ = Copy::kNo;
+      const std::string name = labelled ? label_ : std::string(needWord());
+      if (name == ";") return;
+      const auto value = name == "tdi"     ? Pattern::kTdi
+                         : name == "tdo"   ? Pattern::kTdo
+                         : name == "mask"  ? Pattern::kMask
+                         : name == "smask" ? Pattern::kSmask
+                                           : Pattern::kNameCount;
+      if (value == Pattern::kNameCount)
+        fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
+      if (!labelled) expect("(");
+      if (pattern.length == 0) {  // says nothing
+        while (needWord() != ")") continue;
+        continue;
+      }
+      inValue_ = true;
+      readHex(pattern[value].bits, pattern.length, ')');
+      inValue_ = false;
+      pattern[value].given = true;
+    }
+  }
+
+  bool runTest(Operation& operation) {
+    operation.kind = Kind::kWait;
+    Wait& wait = operation.wait = {};
+    std::string part(needWord());
+    if (const auto run = findState(part)) {
+      tap_.setRun(stableState(part));
+      part = needWord();
+    }
+    while (part != ";") {
+      if (part == "endstate") {
+        tap_.setRunEnd(stableState(needWord()));
+      } else if (part == "maximum") {
+        wait.maximum = number(needWord());
+        expect("sec");
+      } else {
+        const double amount = number(part);
+        const std::string_view unit = needWord();
+        if (unit != "tck" && unit != "sck" && unit != "sec") {
+          fail("TCK, SCK or SEC expected, not \"" + std::string(unit) + "\"");
+        }
+        (unit == "sec" ? wait.seconds : wait.clocks) = amount;
+        wait.systemClock = wait.systemClock || unit == "sck";
+      }
+      part = needWord();
+    }
+    if (wait.clocks < 0 && wait.seconds < 0) fail("a RUNTEST without count and time");
+    tap_.wait(operation);
+    return true;
+  }
+
+  bool path(Operation& operation) {
+    operation.kind = Kind::kMove;
+    operation.before.clear();
+    operation.after.clear();
+    std::string name(needWord());
+    std::string following(needWord());
+    if (following == ";") {
+      tap_.moveTo(stableState(name), operation);
+      return true;
+    }
+    step(state(name), true, operation);
+    for (; following != ";"; following = needWord()) step(state(following), false, operation);
+    if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
+    return true;
+  }
+
+  enum class Copy { kUnknown, kNo, kYes };
+  Copy copy_ = Copy::kUnknown;
+  bool inScan_ = false;
+  bool inValue_ = false;
+  std::string label_;  // of the value that a comment begins
+};
+
+}  // namespace
+
+std::unique_ptr<Reader> makeSvfReader(Input& input) { return std::make_unique<SvfReader>(input); }
+
+}  // namespace tapforge_replay

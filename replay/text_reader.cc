@@ -1,0 +1,283 @@
+#include "replay/text_reader.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "replay/fault.h"
+
+namespace tapforge_replay {
+namespace {
+
+constexpr std::size_t kMostWord = 1 << 16;  // characters
+constexpr unsigned kDigitsOfWord = 16;
+constexpr std::size_t kMostBits = std::size_t{1} << 40;
+
+bool isBlank(int character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
+
+bool isMark(int character) {
+  return character == '(' || character == ')' || character == ';' || character == '{' ||
+         character == '}';
+}
+
+constexpr std::uint8_t kNoDigit = 255;
+
+constexpr std::array<std::uint8_t, 256> digitTable() {
+  std::array<std::uint8_t, 256> table{};
+  table.fill(kNoDigit);
+  std::uint8_t value = 0;
+  for (const unsigned char digit : std::string_view("0123456789abcdef")) table[digit] = value++;
+  for (value = 10; value < 16; ++value) table[std::size_t{'A'} + value - 10] = value;
+  return table;
+}
+constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
+
+}  // namespace
+
+void Pattern::begin(std::size_t newLength) {
+  if (newLength != length) {
+    for (Value& value : values) value.given = false;
+  }
+  values[kTdo].given = false;
+  length = newLength;
+}
+
+// A piece without a value: TDI is 1, all of it matters, and nothing is compared;
+// with a TDO and without a MASK all of it is.
+const Bits* ScanJoiner::joined(const std::array<Pattern, kPieceCount>& pieces, Pattern::Name name,
+                               Bits& storage) {
+  const auto given = [name](const Pattern& piece) {
+    if (piece.length == 0) return false;
+    return name == Pattern::kMask ? piece[Pattern::kTdo].given : piece[name].given;
+  };
+  if (std::none_of(pieces.begin(), pieces.end(), given)) return nullptr;
+  const Pattern& data = pieces[kData];
+  const bool alone = pieces[kHeader].length == 0 && pieces[kTrailer].length == 0;
+  if (alone && data[name].given) return &data[name].bits;  // spares the copy of a long scan
+
+  const bool otherwise = name == Pattern::kTdi || name == Pattern::kSmask;
+  storage.clear();
+  for (const Pattern& piece : pieces) {
+    if (!given(piece)) {
+      storage.append(piece.length, otherwise);
+    } else if (piece[name].given) {
+      storage.append(piece[name].bits);
+    } else {
+      storage.append(piece.length, true);
+    }
+  }
+  return &storage;
+}
+
+void ScanJoiner::join(bool instruction, Operation& scan) {
+  const auto& pieces = patterns_[instruction ? 1 : 0];
+  scan.instruction = instruction;
+  scan.tdi = joined(pieces, Pattern::kTdi, joined_[Pattern::kTdi]);
+  scan.care = joined(pieces, Pattern::kSmask, joined_[Pattern::kSmask]);
+  scan.tdo = joined(pieces, Pattern::kTdo, joined_[Pattern::kTdo]);
+  scan.mask = joined(pieces, Pattern::kMask, joined_[Pattern::kMask]);
+}
+
+void TapFollower::go(TapState target, std::vector<TapState>& entered) {
+  const auto way = wayBetween(state_, target);
+  entered.insert(entered.end(), way.begin(), way.end());
+  state_ = target;
+}
+
+void TapFollower::scan(Operation& scan) {
+  scan.before.clear();
+  scan.after.clear();
+  const bool ir = scan.instruction;
+  go(ir ? TapState::kIrCapture : TapState::kDrCapture, scan.before);
+  go(ir ? TapState::kIrShift : TapState::kDrShift, scan.before);
+  go(ir ? endIr_ : endDr_, scan.after);
+}
+
+void TapFollower::moveTo(TapState target, Operation& move) {
+  const bool pause = target == TapState::kDrPause || target == TapState::kIrPause;
+  if (state_ == target && !pause) {
+    move.before.push_back(target);
+  } else if (state_ == target) {
+    go(target == TapState::kDrPause ? TapState::kDrCapture : TapState::kIrCapture, move.before);
+  }
+  go(target, move.before);
+}
+
+bool TapFollower::step(TapState target, Operation& move) {
+  if (!isOneClock(state_, target)) return false;
+  move.before.push_back(target);
+  state_ = target;
+  return true;
+}
+
+void TapFollower::wait(Operation& wait) {
+  wait.before.clear();
+  wait.after.clear();
+  wait.wait.state = run_;
+  go(run_, wait.before);
+  go(runEnd_, wait.after);
+}
+
+void TextReader::fail(const std::string& text) const {
+  throw Fault(input_.path() + ": line " + std::to_string(line_) + ": " + text);
+}
+
+void TextReader::countLine(int character) {
+  if (character == '\n' || (character == '\r' && input_.peek() != '\n')) ++line_;
+}
+
+void TextReader::skipLine() {
+  while (true) {
+    const std::string_view ahead = input_.window();
+    const std::size_t end = ahead.find_first_of("\r\n");
+    input_.skip(std::min(end, ahead.size()));
+    if (end != std::string_view::npos || ahead.empty()) return;
+  }
+}
+
+int TextReader::skipBlanks() {
+  while (true) {
+    const int character = input_.peek();
+    if (isBlank(character)) {
+      input_.skip(1);
+      countLine(character);
+    } else if (character < 0 || !mayBeginComment(character) || !skipComment()) {
+      return character;
+    }
+  }
+}
+
+std::string_view TextReader::word() {
+  word_.clear();
+  int character = skipBlanks();
+  if (character < 0) return {};
+  do {
+    const bool capital = character >= 'A' && character <= 'Z';
+    word_ += static_cast<char>(capital ? character - 'A' + 'a' : character);
+    if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
+    input_.skip(1);
+    if (isMark(character)) break;
+    character = input_.peek();
+  } while (character >= 0 && !isBlank(character) && !isMark(character) &&
+           !mayBeginComment(character));
+  return word_;
+}
+
+std::string_view TextReader::needWord() {
+  const std::string_view next = word();
+  if (next.empty()) fail("the file ends inside a statement");
+  return next;
+}
+
+void TextReader::expect(std::string_view wanted) {
+  const std::string_view next = needWord();
+  if (next != wanted) {
+    fail("\"" + std::string(wanted) + "\" expected, not \"" + std::string(next) + "\"");
+  }
+}
+
+void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
+  digits_.clear();
+  std::uint64_t digits = 0;
+  unsigned count = 0;
+  bool any = false;
+  while (true) {
+    const std::string_view ahead = input_.window();
+    std::size_t i = 0;
+    for (; i < ahead.size(); ++i) {
+      const std::uint8_t digit = kDigits[static_cast<unsigned char>(ahead[i])];
+      if (digit == kNoDigit) break;
+      digits = digits << 4 | digit;
+      if (++count == kDigitsOfWord) {
+        digits_.push_back(digits);
+        count = 0;
+      }
+    }
+    any = any || i > 0;
+    input_.skip(i);
+    if (i == ahead.size() && !ahead.empty()) continue;
+    if (closing == 0 && any) break;
+    const std::uint64_t before = input_.offset();
+    const int character = skipBlanks();
+    if (character == closing && character > 0) {
+      input_.skip(1);
+      break;
+    }
+    if (character < 0) fail("the file ends inside a value");
+    if (kDigits[static_cast<std::size_t>(character)] == kNoDigit && input_.offset() == before) {
+      fail(std::string("\"") + static_cast<char>(character) + "\" in a value");
+    }
+  }
+  if (!any) fail("a value without digits");
+  if (count == 0) {
+    count = kDigitsOfWord;
+  } else {
+    digits_.push_back(digits & ((std::uint64_t{1} << count * 4) - 1));
+  }
+  if (digits_.size() > (kMostBits >> 6)) fail("a value that is too long");
+  if (!bits.assignDigits(digits_, count, length)) {
+    note("line " + std::to_string(line_) +
+         ": a value has bits above its length, which are ignored");
+  }
+}
+
+double TextReader::number(std::string_view text) const {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !(value >= 0)) {
+    fail("a number expected, not \"" + std::string(text) + "\"");
+  }
+  return value;
+}
+
+std::size_t TextReader::length(std::string_view text) const {
+  std::size_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || value > kMostBits) {
+    fail("a length in bits expected, not \"" + std::string(text) + "\"");
+  }
+  return value;
+}
+
+TapState TextReader::state(std::string_view text) const {
+  const auto found = findState(text);
+  if (!found) fail("a TAP state expected, not \"" + std::string(text) + "\"");
+  return *found;
+}
+
+TapState TextReader::stableState(std::string_view text) const {
+  const TapState found = state(text);
+  if (!isStable(found)) fail("the TAP cannot stay in " + std::string(nameOf(found)));
+  return found;
+}
+
+void TextReader::step(TapState target, bool first, Operation& move) {
+  const TapState from = tap_.state();
+  if (tap_.step(target, move)) return;
+  if (!first || !isStable(target)) {
+    fail("no way of one TCK leads from " + std::string(nameOf(from)) + " to " +
+         std::string(nameOf(target)));
+  }
+  tap_.moveTo(target, move);
+}
+
+std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
+  constexpr char kKsvfFirst = 7;  // every file begins with KREPEAT
+  std::string_view ahead = input.window();
+  if (ahead.starts_with(kKsvfFirst)) return makeKsvfReader(input, dataWaits);
+  while (!ahead.empty()) {
+    const std::size_t start = ahead.find_first_not_of(" \t\r\n");
+    if (start == std::string_view::npos) break;
+    ahead.remove_prefix(start);
+    const std::size_t end = std::min(ahead.find_first_of("\r\n"), ahead.size());
+    const std::string_view line = ahead.substr(0, end);
+    if (line.starts_with('#') || line.starts_with("set_property") || line.starts_with("puts ") ||
+        line.substr(0, line.find(' ')).ends_with("_tapbus")) {
+      return makeTclReader(input);
+    }
+    if (!line.starts_with('!') && !line.starts_with("//")) break;
+    ahead.remove_prefix(end);
+  }
+  return makeSvfReader(input);
+}
+
+}  // namespace tapforge_replay
