@@ -24,9 +24,10 @@ constexpr std::uint8_t kNoDigit = 255;
 constexpr std::array<std::uint8_t, 256> digitTable() {
   std::array<std::uint8_t, 256> table{};
   table.fill(kNoDigit);
-  std::uint8_t value = 0;
-  for (const unsigned char digit : std::string_view("0123456789abcdef")) table[digit] = value++;
-  for (value = 10; value < 16; ++value) table[std::size_t{'A'} + value - 10] = value;
+  for (std::uint8_t value = 0; value < 10; ++value) table[std::size_t{'0'} + value] = value;
+  for (std::uint8_t value = 10; value < 16; ++value) {
+    table[std::size_t{'a'} + value - 10] = table[std::size_t{'A'} + value - 10] = value;
+  }
   return table;
 }
 constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
