@@ -256,6 +256,7 @@ def main():
             first = args.first + i * args.files  # other files for each form
             if not args.options or form[0] in args.options:
                 play(runner, form, range(first, first + args.files))
+                print(f"tapforge {form[0]}: {2 * args.files} files differ as they may", flush=True)
         for options, loses in (("", SVF_LOSES), ("-c", SVF_LOSES), ("-tapbus -max_rti_tck 99999999", TCL_LOSES),
                                ("-tapbus -c -max_rti_tck 99999999", TCL_LOSES),
                                ("-ksvf -kwait -extensions", KWAIT_LOSES)):  # fmt: skip
