@@ -55,7 +55,7 @@ TEST(Tokens, OfBothModes) {
       {"a-b+1.5e-3,", "a '- b '+ #1 '. 5e '- #3 ', "},
       {"[]^`{|}~\"#$%&'*<=>?:\\",
        "'[ '] '^ '` '{ '| '} '~ '\" '# '$ '% '& '' '* '< '= '> '? ': '\\ "},
-      {{"a\0\x01\x7f\x80", 5}, {"a ?\0 ?\x01 ?\x7f ?\x80 ", 15}},
+      {{"a\0\x01\x7f\x80", 5}, {"a ?\0 ?\x01 ?\x7f ?\x80 ", 14}},
       {"1\xe9 2\xe9x", "#1\xe9=1 2\xe9x "},
       // Words are looked for sixteen characters at a time.
       {word.substr(82) + " " + word.substr(81) + "\t" + word.substr(80),
