@@ -17,9 +17,8 @@ void fill(CTapPattern& pattern, std::int64_t length, bool all, std::mt19937& ran
     given.add(value);
     CTapField& field = pattern.storage(value);
     field.initTapField(length);
-    // With bits above the length, which must do no harm.
-    for (std::int64_t i = 0; i < field.lNumChars(); ++i) field.setTapDataChar(i, random() % 16);
-    field.setStart(0);
+    // Bits above the length must do no harm.
+    for (std::int64_t i = field.lNumChars(); i-- > 0;) field.setTapDataChar(i, random() % 16);
   }
   EXPECT_TRUE(pattern.setPattern(0, {}) && pattern.setPattern(length, given));
 }
@@ -46,46 +45,48 @@ TEST(CompositeScan, IsHeaderDataAndTrailerBitByBit) {
   CTapPattern trail;
   RegisterScan scan(head, data, trail);
   std::mt19937 random(1);
-  for (const std::int64_t headBits : {0, 1, 30, 64, 65}) {
-    for (const std::int64_t dataBits : {1, 34, 63, 64, 65, 131}) {
-      for (const std::int64_t trailBits : {0, 30, 67}) {
-        for (unsigned all = 0; all < 8; ++all) {
-          fill(head, headBits, (all & 1) != 0, random);
-          fill(data, dataBits, (all & 2) != 0, random);
-          fill(trail, trailBits, (all & 4) != 0, random);
-          scan.frameChanged();
-          const std::int64_t length = scan.length();
-          ASSERT_EQ(length, headBits + dataBits + trailBits);
-          for (const ScanValue value : kScanValues) {
-            const bool drives = value == ScanValue::tdi || value == ScanValue::smask;
-            const char filler = drives ? '1' : '0';
-            const std::string expected = plain(head, value, filler) + plain(data, value, '1') +
-                                         plain(trail, value, filler) + std::string(64, '0');
-            const CompositeScan bits(scan, value, length);
-            for (std::int64_t low = 0; low < length; low += low % 3 + 1) {
-              ASSERT_EQ(plain(bits(low)), expected.substr(static_cast<std::size_t>(low), 64));
-            }
-            if (length > 64) continue;
-            ASSERT_EQ(plain(scan.shortBits(value)), expected.substr(0, 64));
-          }
-          const CompositeScan alone(*data.pTdi(), dataBits);
-          const std::string expected = plain(data, ScanValue::tdi, ' ') + std::string(64, '0');
-          ASSERT_EQ(plain(alone(dataBits / 2)),
-                    expected.substr(static_cast<std::size_t>(dataBits / 2), 64));
-        }
+  constexpr std::int64_t kHead[] = {0, 1, 30, 64, 65};
+  constexpr std::int64_t kData[] = {1, 34, 63, 64, 65, 131};
+  constexpr std::int64_t kTrail[] = {0, 30, 67};
+  for (unsigned i = 0; i < 5 * 6 * 3 * 8; ++i) {
+    fill(head, kHead[i % 5], (i / 90 & 1) != 0, random);
+    fill(data, kData[i % 6], (i / 90 & 2) != 0, random);
+    fill(trail, kTrail[i / 30 % 3], (i / 90 & 4) != 0, random);
+    scan.frameChanged();
+    const std::int64_t length = scan.length();
+    ASSERT_EQ(length, head.lLength() + data.lLength() + trail.lLength());
+    for (const ScanValue value : kScanValues) {
+      const char filler = value == ScanValue::tdi || value == ScanValue::smask ? '1' : '0';
+      const std::string expected = plain(head, value, filler) + plain(data, value, '1') +
+                                   plain(trail, value, filler) + std::string(64, '0');
+      const CompositeScan bits(scan, value, length);
+      for (std::int64_t low = 0; low < length; low += low % 3 + 1) {
+        ASSERT_EQ(plain(bits(low)), expected.substr(static_cast<std::size_t>(low), 64));
       }
+      if (length > 64) continue;
+      EXPECT_EQ(plain(scan.shortBits(value)), expected.substr(0, 64));
     }
+    const CompositeScan alone(*data.pTdi(), data.lLength());
+    EXPECT_EQ(plain(alone(0)),
+              (plain(data, ScanValue::tdi, ' ') + std::string(64, '0')).substr(0, 64));
   }
-  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+}
+
+TEST(CompositeScan, MayBeTooLong) {
   ScanValues tdi;
   tdi.add(ScanValue::tdi);
-  fill(head, 0, false, random);
-  fill(data, 1, false, random);
-  EXPECT_TRUE(trail.setPattern(kMost, tdi));
-  EXPECT_EQ(scan.length(), RegisterScan::kTooLong);
-  EXPECT_TRUE(trail.setPattern(0, {}) && head.setPattern(kMost, tdi));
-  scan.frameChanged();
-  EXPECT_EQ(scan.length(), RegisterScan::kTooLong);
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+  const auto sum = [&](std::int64_t headBits, std::int64_t dataBits, std::int64_t trailBits) {
+    CTapPattern head;
+    CTapPattern data;
+    CTapPattern trail;
+    EXPECT_TRUE(head.setPattern(headBits, tdi) && data.setPattern(dataBits, tdi) &&
+                trail.setPattern(trailBits, tdi));
+    return RegisterScan(head, data, trail).length();
+  };
+  EXPECT_EQ(sum(1, kMost - 2, 1), kMost);
+  EXPECT_EQ(sum(1, kMost, 0), RegisterScan::kTooLong);
+  EXPECT_EQ(sum(1, kMost - 2, 2), RegisterScan::kTooLong);
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ std::string tokens(std::string_view svf, const SyntaxRules& rules) {
       list.all += ' ';
     }
   } catch (const ProgramEnd&) {
-    list.all += source.report.text.substr(10, source.report.text.find('\n', 1) - 10);
+    list.all += source.report.saying();
   }
   return list.all;
 }

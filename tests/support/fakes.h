@@ -20,6 +20,11 @@ class RecordingReporter final : public Reporter {
   std::string text;
   std::string status;
 
+  /// The first line of the first message, without its kind.
+  std::string_view saying() const {
+    return std::string_view(text).substr(0, text.find('\n', 1)).substr(10);
+  }
+
  private:
   void print(std::string_view message) override { text += message; }
   void printStatus(std::string_view line) override { status += line; }
