@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <random>
 #include <string>
 
@@ -70,23 +69,6 @@ TEST(CompositeScan, IsHeaderDataAndTrailerBitByBit) {
     EXPECT_EQ(plain(alone(0)),
               (plain(data, ScanValue::tdi, ' ') + std::string(64, '0')).substr(0, 64));
   }
-}
-
-TEST(CompositeScan, MayBeTooLong) {
-  ScanValues tdi;
-  tdi.add(ScanValue::tdi);
-  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-  const auto sum = [&](std::int64_t headBits, std::int64_t dataBits, std::int64_t trailBits) {
-    CTapPattern head;
-    CTapPattern data;
-    CTapPattern trail;
-    EXPECT_TRUE(head.setPattern(headBits, tdi) && data.setPattern(dataBits, tdi) &&
-                trail.setPattern(trailBits, tdi));
-    return RegisterScan(head, data, trail).length();
-  };
-  EXPECT_EQ(sum(1, kMost - 2, 1), kMost);
-  EXPECT_EQ(sum(1, kMost, 0), RegisterScan::kTooLong);
-  EXPECT_EQ(sum(1, kMost - 2, 2), RegisterScan::kTooLong);
 }
 
 }  // namespace

@@ -11,13 +11,16 @@
 namespace tapforge::testing {
 namespace {
 
-// What is said about an SDR, and the digits of the values that it puts in force.
-std::string scan(const std::string& statement) {
+// What is said about SDRs, and the digits of TDI, TDO, MASK and SMASK that they leave in force.
+std::string scan(const std::string& statements) {
   SyntaxRules rules = scriptRules();
   rules.positionText = [](const SourcePlace& place) { return concat(" [", place.lastItem, "]"); };
-  Source source(statement, rules);
+  Source source(statements, rules);
   CTapObj tap;
-  EXPECT_TRUE(readTapData(Keyword::sdr, tap, source.channel));
+  while (source.channel.lexKeyword()) {
+    source.channel.unlex();
+    EXPECT_TRUE(readTapData(Keyword::sdr, tap, source.channel));
+  }
   std::string text = source.report.text + "\n";
   for (const ScanValue value : kScanValues) {
     const CTapField* const field = tap.pTapData[value];
@@ -58,11 +61,31 @@ TEST(ScanStatement, KeepsTheLastDigits) {
   }
 }
 
+TEST(ScanStatement, KeepsValuesWhileTheLengthStays) {
+  const std::string all = "8 TDI(12) TDO(34) MASK(56) SMASK(78);";
+  EXPECT_EQ(scan(all), "\n12/34/56/78/");
+  EXPECT_EQ(scan(all + "8;"), "\n12//56/78/");
+  EXPECT_EQ(scan(all + "8 MASK(9) TDO(a);"), "\n12/0a/09/78/");
+  EXPECT_EQ(scan(all + "7 TDI(1) TDO(2); 7 SMASK(3);"), "\n01///03/");
+  EXPECT_EQ(scan(all + "7 TDI(1); 8 TDI(2);"), "\n02////");
+  CTapPattern pattern;
+  ScanValues tdi;
+  EXPECT_FALSE(pattern.setPattern(8, tdi));
+  EXPECT_TRUE(pattern.setPattern(0, tdi));
+  tdi.add(ScanValue::tdi);
+  // The storage of a large value that is no longer in force is freed.
+  for (const std::int64_t bytes : {CTapField::kSmall, CTapField::kSmall + 1}) {
+    pattern.storage(ScanValue::tdo).initTapField(8 * bytes);
+    EXPECT_TRUE(pattern.setPattern(8 * bytes, tdi));
+    EXPECT_EQ(pattern.storage(ScanValue::tdo).pData() != nullptr, bytes == CTapField::kSmall);
+  }
+}
+
 TEST(ScanStatement, DropsTheTdoOfAMaskOfZeros) {
   const std::string zeros(16, '0');
-  EXPECT_EQ(scan("65 TDI(0)TDO(0)MASK(1" + zeros + ");"),
+  EXPECT_EQ(scan("65 TDI()TDO()MASK(1" + zeros + ");"),
             "\n0" + zeros + "/0" + zeros + "/1" + zeros + "//");
-  EXPECT_EQ(scan("64 TDI(0)TDO(0)MASK();"), "\n" + zeros + "//" + zeros + "//");
+  EXPECT_EQ(scan("64 TDI()TDO()MASK();"), "\n" + zeros + "//" + zeros + "//");
   EXPECT_EQ(scan("4 TDI(0) MASK(8)TDO(0);"), "\n0/0/8//");
   EXPECT_EQ(scan("3 MASK(8)TDO(0) SMASK\n( 1\t2 )TDI(5);"),
             "\nWarning: 1's in 1 MSB bits of leading hex char (8) will be ignored [8]"

@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <vector>
 
 #include "tests/support/fakes.h"
 #include "tests/support/in_memory.h"
@@ -36,7 +35,7 @@ std::string conversions(std::string_view svf) {
   return text;
 }
 
-void expectTheSameInAllBlocks(const std::string& svf, const std::vector<std::size_t>& sizes) {
+void expectTheSameInBlocks(std::initializer_list<std::size_t> sizes, const std::string& svf) {
   const std::string expected = conversions(svf);
   for (const std::size_t size : sizes) {
     const WithBlockSize blocks(size);
@@ -44,28 +43,27 @@ void expectTheSameInAllBlocks(const std::string& svf, const std::vector<std::siz
   }
 }
 
-TEST(BlockSize, DoesNotShowInConversions) {
-  std::string all;
+TEST(BlockSize, DoesNotShow) {
+  int count = 0;
   for (const auto& entry : std::filesystem::directory_iterator(TAPFORGE_EXAMPLES)) {
     std::ifstream file(entry.path(), std::ios::binary);
-    const std::string svf{std::istreambuf_iterator<char>(file), {}};
-    expectTheSameInAllBlocks(svf, {1, 2, 3, 5, 64, 199, 200, 1021});
-    all += svf;
+    expectTheSameInBlocks({1, 2, 3, 5, 64, 199, 200, 1021},
+                          {std::istreambuf_iterator<char>(file), {}});
+    ++count;
   }
-  EXPECT_NE(all.find("PIOMAP"), std::string::npos);
+  EXPECT_GT(count, 3);
 }
 
-// Cut off anywhere, too.
-TEST(BlockSize, DoesNotShowInOddTexts) {
-  const std::string pad(185, ' ');
+TEST(BlockSize, DoesNotShowInTextsThatAreCutOffAnywhere) {
+  const std::string blanks(185, ' ');
   const std::string svf =
-      "! c\r//d\nTRST ON; TRST OFF;\r\n\tSIR 8 TDI // in\n(0\r\n1 )TDO(F\t1);FOO a/b/ //" + pad +
-      "\n12ab;FREQUENCY 12.5e+ 2 HZ; ! end\n" + pad +
-      "TRST Z; SDR 70 TDI (123456789 aBcdef01\n23)" + "TDO(1) SMASK(" + std::string(19, '5') +
-      "1);PIOMAP(IN a OUT b INOUT " + std::string(97, 'w') + ");PIO (h\nUz);";
+      "! c\r//d\nTRST ON; TRST OFF;\r\n\tSIR 8 TDI // in\n(0\r\n1 )TDO(F\t1);FOO a/b/ //" + blanks +
+      "\n12ab;FREQUENCY 12.5e+ 2 HZ; ! end\n" + blanks +
+      "TRST Z; SDR 70 TDI (123456789 aBcdef01\n23)TDO(1) SMASK(55555555555555555551);" +
+      "PIOMAP(IN a OUT b INOUT " + std::string(97, 'w') + ");PIO (h\nUz);";
   for (std::size_t size = 0; size <= svf.size(); ++size) {
-    const bool amongBlanks = size > 0 && svf.substr(size - 1, 2) == "  ";
-    if (!amongBlanks) expectTheSameInAllBlocks(svf.substr(0, size), {1, 3});
+    if (size > 0 && svf.substr(size - 1, 2) == "  ") continue;
+    expectTheSameInBlocks({1, 3}, svf.substr(0, size));
   }
 }
 
