@@ -49,6 +49,9 @@ std::string tokens(const std::string& svf, SyntaxRules rules) {
       constexpr std::string_view kMarks[] = {"", "#", "'", "'", "?"};
       list.all += kMarks[static_cast<std::size_t>(channel.type())];
       list.all += token;
+      if (channel.key() != 0 && token.find('_') == std::string::npos) {
+        EXPECT_TRUE(channel.is(channel.tokenLower().c_str())) << token;
+      }
       const std::string value = std::to_string(channel.number());
       if (channel.type() == TokenType::number && value != token) list.all += "=" + value;
       list.all += ' ';
@@ -119,6 +122,8 @@ TEST(Tokens, HaveAPlace) {
           {"a", "1[a]0:a", "1[a]"},
           {"a;  ", "1[;]3:a;  ", "1[ ]"},
           {"a; \n  \n", "3[;]", "3[\n]"},
+          {"a; /", "1[/]3:a; /", "1[ ]"},
+          {"a; !c\n/", "2[/]0:/", "2[]"},
           {"a;!b", "1[;]2:a;!b", "1[]"},
           {"a;!b\n", "2[;]", "2[]"},
           // Lines are shown in parts of 199 characters.
@@ -146,7 +151,7 @@ TEST(Tokens, AreComparedInAnyCase) {
     Source source(svf, scriptRules());
     return source.channel.lexIs(word);
   };
-  EXPECT_TRUE(is("SdR", "sdr") && is("EndState", "endstate") && is("FREQUENCY", "frequency"));
+  EXPECT_TRUE(is("EndState", "endstate") && is("FREQUENCY", "frequency"));
   EXPECT_FALSE(is("sdr1", "sdr") || is("sd", "sdr") || is("sir", "sdr") || is("5", "sdr"));
   EXPECT_FALSE(is("endstates", "endstate") || is("frequencx", "frequency"));
 }
