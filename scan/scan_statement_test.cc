@@ -14,7 +14,7 @@ namespace {
 // What is said about SDRs, and the digits of TDI, TDO, MASK and SMASK that they leave in force.
 std::string scan(const std::string& statements) {
   SyntaxRules rules = scriptRules();
-  rules.positionText = [](const SourcePlace& place) { return concat(" [", place.lastItem, "]"); };
+  rules.positionText = [](const SourcePlace& place) { return concat(" [", place.sLastItem, "]"); };
   Source source(statements, rules);
   CTapObj tap;
   while (source.channel.lexKeyword()) {

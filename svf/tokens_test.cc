@@ -98,8 +98,8 @@ TEST(Tokens, OfBothModes) {
 // "here" or "@", or at the end of the file.
 std::string place(const std::string& svf, SyntaxRules rules) {
   rules.positionText = [](const SourcePlace& at) {
-    const std::string line(at.lineText);
-    return concat(at.line, "[", at.lastItem, "]", line.empty() ? "" : concat(at.column, ":", line));
+    const std::string line(at.sSrcLine);
+    return concat(at.lLineNum, "[", at.sLastItem, "]", line.empty() ? "" : concat(at.iTokenCol, ":", line));
   };
   Source source(svf, rules);
   while (source.channel.lexKeyword() && !source.channel.is("here") && !source.channel.is("@")) {
