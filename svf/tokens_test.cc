@@ -99,7 +99,8 @@ TEST(Tokens, OfBothModes) {
 std::string place(const std::string& svf, SyntaxRules rules) {
   rules.positionText = [](const SourcePlace& at) {
     const std::string line(at.sSrcLine);
-    return concat(at.lLineNum, "[", at.sLastItem, "]", line.empty() ? "" : concat(at.iTokenCol, ":", line));
+    return concat(at.lLineNum, "[", at.sLastItem, "]",
+                  line.empty() ? "" : concat(at.iTokenCol, ":", line));
   };
   Source source(svf, rules);
   while (source.channel.lexKeyword() && !source.channel.is("here") && !source.channel.is("@")) {
