@@ -120,7 +120,7 @@ TEST(Tokens, HaveAPlace) {
           {"a here", "1[here]2:a here", "1[here]"},
           // White space and comments are items of mode 1, which shows at the end.
           {"a", "1[a]0:a", "1[a]"},
-          {"a;  ", "1[;]3:a;  ", "1[ ]"},
+          {"a; ", "1[;]2:a; ", "1[ ]"},
           {"a; \n  \n", "3[;]", "3[\n]"},
           {"a; /", "1[/]3:a; /", "1[ ]"},
           {"a; !c\n/", "2[/]0:/", "2[]"},
@@ -141,6 +141,7 @@ TEST(Tokens, HaveAPlace) {
           {blanks(195) + "here\na", "1[here]", "2[here]"},
           {blanks(394) + "here\n\n@", "1[here]", "2[here]"},
           {blanks(195) + "here", "1[here]", "1[here]"},
+          {blanks(198) + ";", "1[;]", "1[;]"},
           {blanks(195) + "a  \n@", "2[@]0:@", "2[@]"},
       },
       place);
