@@ -124,6 +124,7 @@ TEST(Tokens, HaveAPlace) {
           {"a; \n  \n", "3[;]", "3[\n]"},
           {"a; /", "1[/]3:a; /", "1[ ]"},
           {"a; !c\n/", "2[/]0:/", "2[]"},
+          {"ab" + std::string(1500, '\n'), "1501[ab]", "1501[\n]"},
           {"a;!b", "1[;]2:a;!b", "1[]"},
           {"a;!b\n", "2[;]", "2[]"},
           // Lines are shown in parts of 199 characters.
