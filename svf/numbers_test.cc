@@ -50,6 +50,8 @@ TEST(Numbers, WithAndWithoutFractionAndExponent) {
   for (const char* const svf : {".5 x", "1.5f x", "1.; x"}) {
     EXPECT_EQ(numbers(svf), "Incorrect real number syntax (use digits[.digits][e[+|-]digits])");
   }
+  Source negative("- 5", scriptRules());
+  EXPECT_EQ(lGetLong(Sign::any, negative.channel), -5);
   EXPECT_EQ((Number{Number::Kind::integer, 1, 16777217}).asFloat(), 16777216.0F);
 }
 

@@ -120,11 +120,12 @@ TEST(Tokens, HaveAPlace) {
           {"here\r\n b", "2[here]", "1[here]"},
           {"a here", "1[here]2:a here", "1[here]"},
           // White space and comments are items of mode 1, which shows at the end.
-          {"a", "1[a]0:a", "1[a]"},
-          {"a;  ", "1[;]3:a;  ", "1[ ]"},
+          {"ab ", "1[ab]0:ab ", "1[ ]"},
+          {"a; ", "1[;]2:a; ", "1[ ]"},
           {"a; \n  \n", "3[;]", "3[\n]"},
           {"a; /", "1[/]3:a; /", "1[ ]"},
           {"a; !c\n/", "2[/]0:/", "2[]"},
+          {"ab" + std::string(1500, '\n'), "1501[ab]", "1501[\n]"},
           {"a;!b", "1[;]2:a;!b", "1[]"},
           {"a;!b\n", "2[;]", "2[]"},
           // Lines are shown in parts of 199 characters.
@@ -140,8 +141,9 @@ TEST(Tokens, HaveAPlace) {
           // The part after the last whole one may be empty.
           {blanks(194) + "here\na", "2[here]0:a", "2[here]"},
           {blanks(195) + "here\na", "1[here]", "2[here]"},
-          {blanks(394) + "here\n\n@", "1[here]", "2[here]"},
+          {"a;\n" + blanks(394) + "here\n\n@", "2[here]", "3[here]"},
           {blanks(195) + "here", "1[here]", "1[here]"},
+          {blanks(198) + ";", "1[;]", "1[;]"},
           {blanks(195) + "a  \n@", "2[@]0:@", "2[@]"},
       },
       place);
