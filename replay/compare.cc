@@ -11,6 +11,7 @@ namespace {
 using Kind = Operation::Kind;
 
 constexpr std::size_t kMostInGap = 10000;  // states, or waits
+constexpr std::size_t kMostPlaces = 100;   // of waits; then equal ones are only counted
 constexpr std::size_t kMostStates = 8;     // in a message
 
 // The part of a walk in which it differs from another one, with the states around.
@@ -71,8 +72,8 @@ void Comparison::Gap::enter(const std::vector<TapState>& states) {
 }
 
 void Comparison::Gap::wait(const Wait& wait, const Place& place) {
-  const bool again =
-      !waits.empty() && waits.back().position == walk.size() && waits.back().wait == wait;
+  const bool again = waits.size() > kMostPlaces && waits.back().position == walk.size() &&
+                     waits.back().wait == wait;
   if (again) {
     ++waits.back().times;
   } else {

@@ -2,7 +2,6 @@
 #define TAPFORGE_REPLAY_OPERATION_H_
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 

@@ -152,8 +152,10 @@ void WaitComparison::learnRate(Run source, Run converted) {
   if (times == 0 || std::any_of(converted.begin(), converted.end(), isTime)) return;
   // There must be no wait among them that is not the source's.
   const std::uint64_t parts = countOf(converted);
-  const bool isCut = inParts_ && countOf(source) == 1 && converted.size() <= 2 &&
-                     converted.back().wait.clocks <= converted.front().wait.clocks;
+  const double part = converted.front().wait.clocks;
+  const bool isCut = inParts_ && countOf(source) == 1 && converted.back().wait.clocks <= part &&
+                     std::all_of(converted.begin(), converted.end() - 1,
+                                 [&](const PlacedWait& wait) { return wait.wait.clocks == part; });
   if (parts != countOf(source) && !isCut && (inParts_ || parts != 1)) return;
   if (!rate_.learn(seconds, clocksOf(converted) - counts, static_cast<double>(times))) {
     findings_.add(

@@ -9,6 +9,7 @@ into converted files, each of which has to be found where it was put.
 """
 
 import argparse
+import collections
 import os
 import random
 import re
@@ -82,13 +83,13 @@ class Runner:
         with open("out", "rb") as file:
             return file.read()
 
-    def compare(self, options=""):
-        """Report, and the set of differences in it."""
+    def compare(self, options="", spoiled=False):
+        """Report, and the set of differences in it; a spoiled file may be "broken"."""
         rate = re.findall(r"-tck_freq \d+", options)  # too few waits may show it
         command = [self.replay, *" ".join(rate).split(), "in.svf", "out"]
         done = subprocess.run(command, capture_output=True, text=True)
-        if done.returncode == 2 and "no way of one TCK" in done.stderr:
-            return done.stderr, {"no-way"}
+        if spoiled and done.returncode == 2:
+            return done.stderr, {"broken"}
         assert done.returncode in (0, 1), f"status {done.returncode}: {done.stderr}"
         last = done.stdout.splitlines()[-1]
         assert last.startswith(("the same", "NOT the same")[done.returncode]), done.stdout
@@ -119,11 +120,17 @@ def flip(character):
     return "1032547698badcfe"["0123456789abcdef".index(character.lower())]
 
 
+def split(data, place):
+    """What comes before the statement on this line, the statement, and the rest."""
+    text = data.decode("latin-1")
+    start = [0, *(match.end() for match in re.finditer("\n", text))][int(place.split()[1]) - 1]
+    end = re.compile(r"\n(?![ !])|$").search(text, start).end()  # further lines are indented
+    return text[:start], text[start:end], text[end:]
+
+
 def spoil_text(data, place, kind, text):
-    """The statement with one fault, or None: first digit of a value, count, state."""
-    lines = data.decode("latin-1").splitlines(keepends=True)
-    at = int(place.split()[1]) - 1
-    rest = "".join(lines[at:])
+    """The statement with one fault: first digit of a value, count, state."""
+    before, statement, after = split(data, place)
     patterns = {
         "TDI": r"(TDI \(|-tdi )(\w)", "TDO": r"(TDO \(|-tdo )(\w)", "MASK": r"(MASK \(|-mask )(\w)",
         "wait": r"(\s)(\d+)", "end": r"(END\w+ \{?)(\w+)",
@@ -137,9 +144,8 @@ def spoil_text(data, place, kind, text):
             return match[1] + str(max(int(match[2]) - 1, 0))
         return match[1] + ("IDLE" if match[2].lower() != "idle" else "RESET")
 
-    end = re.search(r"\n(?![ !])|$", rest).start()  # a statement's further lines are indented
-    spoiled = re.sub(patterns[kind], other, rest[:end], count=1, flags=re.IGNORECASE)
-    return "".join(lines[:at] + [spoiled, rest[end:]]).encode("latin-1")
+    spoiled = re.sub(patterns[kind], other, statement, count=1, flags=re.IGNORECASE)
+    return (before + spoiled + after).encode("latin-1")
 
 
 HEADS = {2: 2, 21: 3}  # bytes of KSIR and KSIR2 before the vector
@@ -167,13 +173,8 @@ def cut(data, place, text, copies):
         size = (int(text.split()[3]) + 7) // 8
         end = at + (HEADS[data[at]] + size if data[at] in HEADS else 1 + 2 * size)
         return data[:at] + data[at:end] * copies + data[end:]
-    lines = data.splitlines(keepends=True)
-    end = at
-    while end < len(lines) and lines[end].strip().startswith((b"TDI", b"TDO", b"MASK", b"!", b"SMASK")) | (
-        re.fullmatch(rb"[!\s]*[0-9a-fA-F]+\)?\s*;?\s*", lines[end]) is not None
-    ):
-        end += 1
-    return b"".join(lines[: at - 1] + lines[at - 1 : end] * copies + lines[end:])
+    before, statement, after = split(data, place)
+    return (before + statement * copies + after).encode("latin-1")
 
 
 EXPECTED = {
@@ -186,7 +187,7 @@ EXPECTED = {
 
 def find_faults(runner, options, loses, seeds):
     choice = random.Random(options)
-    seen = set()
+    seen = collections.Counter()
     for seed in seeds:
         source = random_svf(seed, 40, (loses + ",sharing,smask").split(","))
         data = runner.convert(source, options)
@@ -219,10 +220,10 @@ def find_faults(runner, options, loses, seeds):
                 continue
             with open("out", "wb") as out:
                 out.write(spoiled)
-            report, found = runner.compare()
+            report, found = runner.compare(spoiled=True)
             message = f"tapforge {options}: file {seed}, {fault} at {place}: {found}\n{report}"
-            if "no-way" in found or (fault in ("end", "move") and not found):
-                continue  # what comes after it leads nowhere, or to the same states
+            if "broken" in found or (fault in ("end", "move") and not found):
+                continue  # what comes after it cannot be played, or leads to the same states
             assert found & classes and what in report, message
             heading = r"(?:" + "|".join(classes) + r"): \d.*\n  first: (.*)"
             first = re.search(heading, report)[1]
@@ -237,7 +238,7 @@ def find_faults(runner, options, loses, seeds):
             elif fault != "end":
                 places = [f"source {before[kind][number][0]}" + sign for sign in " ,"]
             assert fault == "end" or any(place in first for place in places), message
-            seen.add(fault)
+            seen[fault] += 1
     return seen
 
 
@@ -257,14 +258,12 @@ def main():
             if not args.options or form[0] in args.options:
                 play(runner, form, range(first, first + args.files))
                 print(f"tapforge {form[0]}: {2 * args.files} files differ as they may", flush=True)
-        tried = set()
         for options, loses in (("", SVF_LOSES), ("-c", SVF_LOSES), ("-tapbus -max_rti_tck 99999999", TCL_LOSES),
                                ("-tapbus -c -max_rti_tck 99999999", TCL_LOSES),
                                ("-ksvf -kwait -extensions", KWAIT_LOSES)):  # fmt: skip
             seen = find_faults(runner, options, loses, range(args.first, args.first + args.files // 2))
-            assert args.files < 40 or len(seen) >= len(EXPECTED) - 1, f"{options}: only {seen}"
-            tried |= seen
-        assert args.files < 40 or tried == set(EXPECTED), f"only {tried} were tried"
+            assert args.files < 40 or set(EXPECTED) - set(seen) <= {"TDO"}, f"{options}: {seen}"
+            print(f"tapforge {options}: {sum(seen.values())} faults found", flush=True)
 
 
 if __name__ == "__main__":
