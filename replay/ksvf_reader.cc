@@ -235,7 +235,7 @@ class KsvfReader final : public Reader {
   std::uint32_t filled_ = 0;      // bits of such a word
   std::uint32_t room_ = 0;        // bits still to come for it
   std::uint32_t left_ = 0;        // bits of the record from this word on
-  std::uint64_t uncompared_ = 0;  // bits that tdo_ and mask_ lag behind tdi_
+  std::size_t uncompared_ = 0;  // bits that tdo_ and mask_ lag behind tdi_
 };
 
 }  // namespace
