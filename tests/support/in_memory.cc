@@ -14,22 +14,13 @@
 #include "script/script_traits.h"
 #include "script/script_writer.h"
 #include "shell/io/output_file.h"
+#include "tests/support/fakes.h"
 #include "vector/ksvf_loop.h"
 #include "vector/ksvf_traits.h"
 
 namespace tapforge::testing {
+
 namespace {
-
-class RecordingReporter final : public Reporter {
- public:
-  explicit RecordingReporter(const MessageStyle& style) : Reporter(style) { setScreen(true); }
-  std::string text;
-  std::string status;
-
- private:
-  void print(std::string_view message) override { text += message; }
-  void printStatus(std::string_view line) override { status += line; }
-};
 
 FilePtr newFile() {
 #ifdef _WIN32
@@ -40,32 +31,27 @@ FilePtr newFile() {
 #endif
 }
 
-/// A file in memory that goes on existing after its handle is closed.
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view text = {}) : file_(newFile()) {
-    if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
-  }
-
-  /// A handle at the start of the file.
-  FilePtr open() {
-    std::rewind(file_.get());
-    return FilePtr(fdopen(dup(fileno(file_.get())), "r+b"));
-  }
-
-  std::string text() const {
-    std::fseek(file_.get(), 0, SEEK_END);
-    std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
-    std::rewind(file_.get());
-    if (std::fread(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
-    return text;
-  }
-
- private:
-  FilePtr file_;
-};
-
 }  // namespace
+
+MemoryFile::MemoryFile(std::string_view text) : file_(newFile()) {
+  if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+}
+
+FilePtr MemoryFile::open() {
+  std::rewind(file_.get());
+  return FilePtr(fdopen(dup(fileno(file_.get())), "r+b"));
+}
+
+std::string MemoryFile::text() const {
+  std::fseek(file_.get(), 0, SEEK_END);
+  std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
+  std::rewind(file_.get());
+  if (std::fread(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+  return text;
+}
+
+const SyntaxRules& scriptRules() { return progmode_svf2tapbus::kSyntaxRules; }
+const SyntaxRules& ksvfRules() { return progmode_svf2ksvf::kSyntaxRules; }
 
 Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
   RecordingReporter report(progmode_svf2tapbus::kMessageStyle);
