@@ -34,15 +34,13 @@ class RecordingReporter final : public Reporter {
 class MemoryFile {
  public:
   explicit MemoryFile(std::string_view text = {});
-  ~MemoryFile();
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
 
+  /// A handle at its start; one at a time.
   FilePtr open();
   std::string text() const;
 
  private:
-  int descriptor_;
+  FilePtr file_;
 };
 
 /// Files opened while it exists have blocks of this size.

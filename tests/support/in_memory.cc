@@ -1,7 +1,11 @@
 #include "tests/support/in_memory.h"
 
+#ifdef _WIN32
+#include <io.h>
+#else
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,17 +20,33 @@
 
 namespace tapforge::testing {
 
-MemoryFile::MemoryFile(std::string_view text) : descriptor_(memfd_create("test", 0)) {
-  if (pwrite(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
+namespace {
+
+FilePtr newFile() {
+#ifdef _WIN32
+  // T and D: kept in memory where it can be, and gone with its last handle.
+  return FilePtr(std::fopen(_tempnam(nullptr, "tapforge"), "w+bTD"));
+#else
+  return FilePtr(fdopen(memfd_create("test", 0), "w+b"));
+#endif
 }
 
-MemoryFile::~MemoryFile() { close(descriptor_); }
+}  // namespace
 
-FilePtr MemoryFile::open() { return FilePtr(fdopen(dup(descriptor_), "r+b")); }
+MemoryFile::MemoryFile(std::string_view text) : file_(newFile()) {
+  if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+}
+
+FilePtr MemoryFile::open() {
+  std::rewind(file_.get());
+  return FilePtr(fdopen(dup(fileno(file_.get())), "r+b"));
+}
 
 std::string MemoryFile::text() const {
-  std::string text(static_cast<std::size_t>(lseek(descriptor_, 0, SEEK_END)), '\0');
-  if (pread(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
+  std::fseek(file_.get(), 0, SEEK_END);
+  std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
+  std::rewind(file_.get());
+  if (std::fread(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
   return text;
 }
 
