@@ -45,6 +45,10 @@ void RunFiles::makeChannel(std::unique_ptr<OutputFile>& channel, const std::stri
     if (answer != 'O') throw ProgramEnd{1};
   }
   channel = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);
+  // The same file under an earlier option is emptied as this one, once.
+  std::erase_if(replaced_, [&name](const std::unique_ptr<OutputFile>& output) {
+    return sameRegularFile(output->name(), name);
+  });
 }
 
 void RunFiles::refuseInputAsOutput(const std::string& name) {
