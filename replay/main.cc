@@ -240,7 +240,9 @@ int run(const std::vector<std::string_view>& arguments) {
 
 int main(int argc, char** argv) {
 #ifdef _WIN32
-  _setmode(_fileno(stdout), _O_BINARY);  // line ends as they are written
+  for (std::FILE* stream : {stdout, stderr}) {
+    _setmode(_fileno(stream), _O_BINARY);  // line ends as they are written
+  }
 #else
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is an error of writing
 #endif

@@ -102,6 +102,8 @@ bool holdStandardStreams() {
 bool prepareProcess() {
   _setmode(descriptorOf(stdout), _O_BINARY);
   _setmode(descriptorOf(stderr), _O_BINARY);
+  // Some C libraries keep what goes to a file or pipe, and mix up the order then.
+  std::setvbuf(stderr, nullptr, _IONBF, 0);
   return holdStandardStreams();
 }
 

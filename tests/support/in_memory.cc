@@ -2,6 +2,7 @@
 
 #ifdef _WIN32
 #include <io.h>
+#include <process.h>
 #else
 #include <sys/mman.h>
 #include <unistd.h>
@@ -25,7 +26,8 @@ namespace {
 FilePtr newFile() {
 #ifdef _WIN32
   // T and D: kept in memory where it can be, and gone with its last handle.
-  return FilePtr(std::fopen(_tempnam(nullptr, "tapforge"), "w+bTD"));
+  const std::string ours = "tapforge" + std::to_string(_getpid()) + "-";
+  return FilePtr(std::fopen(_tempnam(nullptr, ours.c_str()), "w+bTD"));
 #else
   return FilePtr(fdopen(memfd_create("test", 0), "w+b"));
 #endif
