@@ -33,7 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   vars.iInsertWait = (input.options & 8) != 0 ? 7 : 0;
   vars.lGlobPrintLine = (input.options >> 4) & 3;
   // A long wait in short pieces would fill the memory.
-  vars.lGlobOptMaxRtiTck = (input.options & 64) != 0 ? 40000 : std::numeric_limits<std::int64_t>::max();
+  vars.lGlobOptMaxRtiTck =
+      (input.options & 64) != 0 ? 40000 : std::numeric_limits<std::int64_t>::max();
   vars.lGlobTckFreq = (input.options & 64) != 0 ? 10 : 1000000;
   if (input.svf.find_first_of("eE") != std::string_view::npos) {
     vars.lGlobOptMaxRtiTck = std::numeric_limits<std::int64_t>::max();

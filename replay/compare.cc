@@ -65,7 +65,8 @@ const Comparison::Gap::Origin* Comparison::Gap::originOf(std::size_t position) c
 
 void Comparison::Gap::enter(const std::vector<TapState>& states) {
   for (const TapState state : states) {
-    if (walk.empty() || walk.back() != state) walk.push_back(state);
+    // Clocks that stay in a stable state do nothing; in a shift state each shifts a bit.
+    if (walk.empty() || walk.back() != state || !isStable(state)) walk.push_back(state);
   }
 }
 
@@ -135,9 +136,8 @@ void Comparison::run() {
     }
     converted_.readGap();
     compareGaps();
-    for (Side* side : {&source_, &converted_}) {
-      side->gap.clear();
-    }
+    source_.gap.clear();
+    converted_.gap.clear();
     if (source_.inGap() || converted_.inGap()) continue;
     if (source_.ended && converted_.ended) break;
     if (!compareScans()) break;

@@ -47,7 +47,8 @@ class Comparison {
       Place place;
     };
 
-    std::vector<TapState> walk;  // one after the other, no state twice in a row
+    std::vector<TapState>
+        walk;  // one after the other, a stable state once where the TAP stays in it
     std::vector<Origin> origins;
     std::vector<PlacedWait> waits;
     std::vector<Setting> settings;

@@ -10,7 +10,7 @@ using Kind = Operation::Kind;
 
 class SvfReader final : public TextReader {
  public:
-  explicit SvfReader(Input& input) : TextReader(input) {}
+  explicit SvfReader(Input& input) : TextReader(input, "!/") {}
 
   std::string_view form() const override { return copy_ == Copy::kYes ? "SVF copy" : "SVF"; }
 
@@ -29,10 +29,6 @@ class SvfReader final : public TextReader {
   }
 
  private:
-  bool mayBeginComment(int character) const override {
-    return character == '!' || character == '/';
-  }
-
   // In a copy that is not merged, "!" stands before the values of a scan.
   bool skipComment() override {
     if (input_.get() == '/' && input_.peek() != '/') fail("a \"/\" on its own");

@@ -12,7 +12,7 @@ using Kind = Operation::Kind;
 // none of its own.
 class TclReader final : public TextReader {
  public:
-  explicit TclReader(Input& input) : TextReader(input) {}
+  explicit TclReader(Input& input) : TextReader(input, "#!") {}
 
   std::string_view form() const override { return merged_ ? "merged Tcl" : "Tcl"; }
   SharedLines sharedLines() const override { return merged_ ? SharedLines{} : sharedLines_; }
@@ -34,10 +34,6 @@ class TclReader final : public TextReader {
   }
 
  private:
-  bool mayBeginComment(int character) const override {
-    return character == '#' || character == '!';
-  }
-
   // The remark behind a header or trailer says that the scans hold its bits.
   bool skipComment() override {
     if (input_.get() == '!') {

@@ -12,21 +12,15 @@ constexpr std::size_t kMostWord = 1 << 16;  // characters
 constexpr unsigned kDigitsOfWord = 16;
 constexpr std::size_t kMostBits = std::size_t{1} << 40;
 
-bool isBlank(int character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
-
-bool isMark(int character) {
-  return character == '(' || character == ')' || character == ';' || character == '{' ||
-         character == '}';
-}
-
 constexpr std::uint8_t kNoDigit = 255;
 
 constexpr std::array<std::uint8_t, 256> digitTable() {
   std::array<std::uint8_t, 256> table{};
   table.fill(kNoDigit);
-  std::uint8_t value = 0;
-  for (const unsigned char digit : std::string_view("0123456789abcdef")) table[digit] = value++;
-  for (value = 10; value < 16; ++value) table[std::size_t{'A'} + value - 10] = value;
+  for (std::uint8_t value = 0; value < 10; ++value) table[std::size_t{'0'} + value] = value;
+  for (std::uint8_t value = 10; value < 16; ++value) {
+    table[std::size_t{'a'} + value - 10] = table[std::size_t{'A'} + value - 10] = value;
+  }
   return table;
 }
 constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
@@ -134,13 +128,24 @@ void TextReader::skipLine() {
   }
 }
 
+TextReader::TextReader(Input& input, std::string_view commentStarts) : input_(input) {
+  const auto set = [this](std::string_view characters, CharKind kind) {
+    for (const char character : characters) kinds_[static_cast<unsigned char>(character)] = kind;
+  };
+  set(" \t\n\v\f\r", kBlank);
+  set("();{}", kMark);
+  set(commentStarts, kComment);
+}
+
 int TextReader::skipBlanks() {
   while (true) {
     const int character = input_.peek();
-    if (isBlank(character)) {
+    if (character < 0) return character;
+    const CharKind kind = kindOf(character);
+    if (kind == kBlank) {
       input_.skip(1);
       countLine(character);
-    } else if (character < 0 || !mayBeginComment(character) || !skipComment()) {
+    } else if (kind != kComment || !skipComment()) {
       return character;
     }
   }
@@ -148,18 +153,24 @@ int TextReader::skipBlanks() {
 
 std::string_view TextReader::word() {
   word_.clear();
-  int character = skipBlanks();
-  if (character < 0) return {};
-  do {
-    const bool capital = character >= 'A' && character <= 'Z';
-    word_ += static_cast<char>(capital ? character - 'A' + 'a' : character);
-    if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
+  const int first = skipBlanks();
+  if (first < 0) return {};
+  if (kindOf(first) != kPlain) {
     input_.skip(1);
-    if (isMark(character)) break;
-    character = input_.peek();
-  } while (character >= 0 && !isBlank(character) && !isMark(character) &&
-           !mayBeginComment(character));
-  return word_;
+    return word_ = static_cast<char>(first);
+  }
+  while (true) {
+    const std::string_view ahead = input_.window();
+    std::size_t count = 0;
+    while (count < ahead.size() && kindOf(ahead[count]) == kPlain) ++count;
+    for (const char character : ahead.substr(0, count)) {
+      const bool capital = character >= 'A' && character <= 'Z';
+      word_ += static_cast<char>(capital ? character - 'A' + 'a' : character);
+    }
+    input_.skip(count);
+    if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
+    if (count < ahead.size() || ahead.empty()) return word_;
+  }
 }
 
 std::string_view TextReader::needWord() {

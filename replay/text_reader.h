@@ -81,11 +81,10 @@ class TapFollower {
 /// What the readers of SVF and of Tcl have in common: characters, words, values.
 class TextReader : public Reader {
  protected:
-  explicit TextReader(Input& input) : input_(input) {}
+  /// `commentStarts`: characters that may begin a comment, and so end a word.
+  TextReader(Input& input, std::string_view commentStarts);
 
-  /// Whether a character may begin a comment, and so ends a word or a digit.
-  virtual bool mayBeginComment(int character) const = 0;
-  /// Skips the comment that such a character, not read yet, begins, without its
+  /// Skips the comment that such a character, not read yet, begins, up to its
   /// line end. Returns false when the comment holds something to be read.
   virtual bool skipComment() = 0;
 
@@ -124,6 +123,10 @@ class TextReader : public Reader {
   std::uint64_t scans_ = 0;
 
  private:
+  enum CharKind : std::uint8_t { kPlain, kBlank, kMark, kComment };
+  CharKind kindOf(int character) const { return kinds_[static_cast<unsigned char>(character)]; }
+
+  std::array<CharKind, 256> kinds_{};
   std::string word_;
   std::vector<std::uint64_t> digits_;
 };

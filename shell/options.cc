@@ -5,10 +5,6 @@
 #include <utility>
 
 namespace tapforge {
-
-const std::string_view kRuleLine =
-    "\t===========================================================================";
-
 namespace {
 
 void setOptionKeys(std::int64_t lOptionKey, Reporter& report) {

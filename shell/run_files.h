@@ -43,8 +43,8 @@ class RunFiles {
   /// Opens an output as `channel`, in place of an earlier one, after asking if
   /// need be; a refusal ends the run with status 1. Fatal as
   /// refuseInputAsOutput(), "[name] is already written by this run" if it is
-  /// another output or the file behind standard output or error, and "cannot
-  /// open".
+  /// another output or the file that standard output or error goes to, and
+  /// "cannot open".
   void makeChannel(std::unique_ptr<OutputFile>& channel, const std::string& name);
 
   /// Fatal "Output filename same as input" if this is the name of the first
@@ -55,8 +55,8 @@ class RunFiles {
   /// the same.
   void beginOutputs();
 
-  /// All outputs, also those that were replaced, in the order in which they are closed,
-  /// the log last.
+  /// All outputs, also those that were replaced, in the order in which they are
+  /// to be closed: the log last. Not owned by the caller.
   std::vector<OutputFile*> outputs() const;
 
  private:

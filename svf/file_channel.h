@@ -84,7 +84,7 @@ class FileChannel final : public InputPosition {
   }
 
   /// As lex(); whether the token is this word.
-  bool lexIs(Word word) {
+  bool lexIs(const Word& word) {
     lex();
     return is(word);
   }
@@ -93,7 +93,7 @@ class FileChannel final : public InputPosition {
   void unlex() { iUnlex_ = true; }
 
   /// Compares the current token in lower case.
-  bool is(Word word) const {
+  bool is(const Word& word) const {
     if (word.text.size() > sizeof key_) return isLong(word.text);
     return key_ == word.key && tokenSize_ == word.text.size();
   }
@@ -112,11 +112,11 @@ class FileChannel final : public InputPosition {
 
   /// The next token must be this word, else fatal "Expecting [word]" (mode 1:
   /// "Token [word] not found").
-  void strSearch(Word word) {
+  void strSearch(const Word& word) {
     if (!lexIs(word)) tokenMissing(word.text);
   }
   /// Reads tokens away up to and including this word.
-  void skipUntil(Word word) {
+  void skipUntil(const Word& word) {
     while (!lexIs(word)) {
     }
   }

@@ -17,7 +17,7 @@ struct Marked {
     if (start == std::string::npos) return;
     const std::size_t end = svf.find('>');
     item = svf.substr(start + 1, end - start - 1);
-    svf = svf.substr(0, start) + item + svf.substr(end + 1);
+    svf.replace(start, end - start + 1, item);
     column = start;
   }
   std::string svf;

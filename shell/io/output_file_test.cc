@@ -5,24 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <utility>
 
-#include "shell/io/block_size.h"
+#include "tests/support/fakes.h"
 
 namespace tapforge {
 namespace {
 
-/// Files opened while it exists have blocks of this size.
-class WithBlockSize {
- public:
-  explicit WithBlockSize(std::size_t size) : before_(std::exchange(gBlockSize, size)) {}
-  ~WithBlockSize() { gBlockSize = before_; }
-  WithBlockSize(const WithBlockSize&) = delete;
-  WithBlockSize& operator=(const WithBlockSize&) = delete;
-
- private:
-  std::size_t before_;
-};
+using testing::WithBlockSize;
 
 class OutputFileTest : public ::testing::Test {
  protected:

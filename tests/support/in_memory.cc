@@ -10,46 +10,28 @@
 #include "script/script_traits.h"
 #include "script/script_writer.h"
 #include "shell/io/output_file.h"
+#include "tests/support/fakes.h"
 #include "vector/ksvf_loop.h"
 #include "vector/ksvf_traits.h"
 
 namespace tapforge::testing {
-namespace {
 
-class RecordingReporter final : public Reporter {
- public:
-  explicit RecordingReporter(const MessageStyle& style) : Reporter(style) { setScreen(true); }
-  std::string text;
-  std::string status;
+MemoryFile::MemoryFile(std::string_view text) : descriptor_(memfd_create("test", 0)) {
+  if (pwrite(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
+}
 
- private:
-  void print(std::string_view message) override { text += message; }
-  void printStatus(std::string_view line) override { status += line; }
-};
+MemoryFile::~MemoryFile() { close(descriptor_); }
 
-/// A file in memory that goes on existing after its handle is closed.
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view text = {}) : descriptor_(memfd_create("test", 0)) {
-    if (pwrite(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
-  }
-  ~MemoryFile() { close(descriptor_); }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
+FilePtr MemoryFile::open() { return FilePtr(fdopen(dup(descriptor_), "r+b")); }
 
-  FilePtr open() { return FilePtr(fdopen(dup(descriptor_), "r+b")); }
+std::string MemoryFile::text() const {
+  std::string text(static_cast<std::size_t>(lseek(descriptor_, 0, SEEK_END)), '\0');
+  if (pread(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
+  return text;
+}
 
-  std::string text() const {
-    std::string text(static_cast<std::size_t>(lseek(descriptor_, 0, SEEK_END)), '\0');
-    if (pread(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
-    return text;
-  }
-
- private:
-  int descriptor_;
-};
-
-}  // namespace
+const SyntaxRules& scriptRules() { return progmode_svf2tapbus::kSyntaxRules; }
+const SyntaxRules& ksvfRules() { return progmode_svf2ksvf::kSyntaxRules; }
 
 Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
   RecordingReporter report(progmode_svf2tapbus::kMessageStyle);
