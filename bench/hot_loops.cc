@@ -1,5 +1,5 @@
-// The loops that every character of a large file passes through. The fast ones
-// are compared with their plain twins before they are timed.
+// The loops that every character of a large file passes through. The one that
+// decodes hex digits is compared with its scalar version before it is timed.
 
 #include <benchmark/benchmark.h>
 
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "scan/hex_digits.h"
-#include "svf/word_scan.h"
+#include "svf/text_scan.h"
 #include "tests/support/in_memory.h"
 
 namespace {
@@ -26,24 +26,25 @@ std::string hexText(std::size_t digits) {
   return text;
 }
 
-using Decode = std::size_t(const unsigned char*, std::size_t, unsigned char*, long);
+using Decode = tapforge::ShortHex(const unsigned char*);
 
 void hexDigitsIn(benchmark::State& state, Decode* decode) {
   const std::string text = hexText(kDigits);
   const auto* begin = reinterpret_cast<const unsigned char*>(text.data());
-  std::vector<unsigned char> row(kDigits / 2 + 16);
-  std::vector<unsigned char> reference = row;
-  decode(begin, kDigits, row.data(), kDigits - 1);
-  tapforge::plain::decodeHex(begin, kDigits, reference.data(), kDigits - 1);
-  if (row != reference) std::abort();
-  for (auto _ : state) {
-    // Whole bytes are written over and over: the same digits, so the same row.
-    benchmark::DoNotOptimize(decode(begin, kDigits, row.data(), kDigits - 1));
+  for (std::size_t at = 0; at < kDigits; ++at) {
+    const tapforge::ShortHex found = decode(begin + at);
+    const tapforge::ShortHex expected = tapforge::scalar::decodeShortHex(begin + at);
+    if (found.digits != expected.digits || found.value != expected.value) std::abort();
   }
-  state.SetBytesProcessed(state.iterations() * static_cast<long>(kDigits));
+  for (auto _ : state) {
+    for (std::size_t at = 0; at < kDigits; at += 16) {
+      benchmark::DoNotOptimize(decode(begin + at));
+    }
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kDigits));
 }
-BENCHMARK_CAPTURE(hexDigitsIn, fast, tapforge::decodeHex);
-BENCHMARK_CAPTURE(hexDigitsIn, plain, tapforge::plain::decodeHex);
+BENCHMARK_CAPTURE(hexDigitsIn, fast, tapforge::decodeShortHex);
+BENCHMARK_CAPTURE(hexDigitsIn, scalar, tapforge::scalar::decodeShortHex);
 
 using Encode = void(std::uint64_t, tapforge::HexCase, char*);
 
@@ -57,7 +58,7 @@ void hexDigitsOut(benchmark::State& state, Encode* encode) {
   state.SetBytesProcessed(state.iterations() * 16);
 }
 BENCHMARK_CAPTURE(hexDigitsOut, fast, tapforge::encodeHex16);
-BENCHMARK_CAPTURE(hexDigitsOut, plain, tapforge::plain::encodeHex16);
+BENCHMARK_CAPTURE(hexDigitsOut, scalar, tapforge::scalar::encodeHex16);
 
 // Whole conversions in memory: `svf` in, its output of either mode out.
 template <typename Convert>
@@ -65,7 +66,7 @@ void conversion(benchmark::State& state, const std::string& svf, Convert convert
   for (auto _ : state) {
     if (!convert(svf).good) std::abort();
   }
-  state.SetBytesProcessed(state.iterations() * static_cast<long>(svf.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(svf.size()));
 }
 
 std::string longScan() {
@@ -102,18 +103,20 @@ void statementsToKsvf(benchmark::State& state) {
 }
 BENCHMARK(statementsToKsvf);
 
-void tokens(benchmark::State& state) {
+using Prefix = unsigned(const unsigned char*);
+
+void words(benchmark::State& state, Prefix* prefix) {
   const std::string text = "RUNTEST 100 TCK; SDR 32 TDI (01234567)    ";
-  std::array<char, 16> lower{};
   for (auto _ : state) {
     for (std::size_t at = 0; at < 24; ++at) {
       const auto* from = reinterpret_cast<const unsigned char*>(text.data()) + at;
-      benchmark::DoNotOptimize(tapforge::scanWord(from, lower.data()));
+      benchmark::DoNotOptimize(prefix(from));
     }
   }
   state.SetItemsProcessed(state.iterations() * 24);
 }
-BENCHMARK(tokens);
+BENCHMARK_CAPTURE(words, fast, tapforge::wordPrefix);
+BENCHMARK_CAPTURE(words, scalar, tapforge::scalar::wordPrefix);
 
 }  // namespace
 

@@ -1,49 +1,24 @@
 #!/usr/bin/env python3
-"""Draws time against file size for tapforge, wc and cp on the bulk workload.
+"""Draws time against file size from the figures of the last bench/run.
 
-    plot.py [--csv FILE] [OUTPUT]      (default docs/performance.svg)
-
-Measures and writes the table build/bench/performance.csv first, unless --csv
-names a table to draw.
+    plot.py [RESULTS [OUTPUT]]    (default build/bench/results.csv docs/performance.svg)
 """
 
-import argparse
 import csv
 import math
-import os
-import runpy
 import sys
-import time
-from statistics import median
 
-sys.dont_write_bytecode = True
-import workloads  # noqa: E402
-
-TITLE = "Time to convert one long SDR, by size of the file"
-MEGABYTES = (4, 16, 64, 256)
-BYTES_PER_DIGIT = (workloads.LINE_DIGITS + 1) / workloads.LINE_DIGITS
-# Series: colour and marker, both different so that either is enough to tell them apart.
+TITLE = "Time to convert a file, by its size"
+# Tool in the table: name, colour and marker. Either of the last two is enough to tell them apart.
 SERIES = {
-    "wc -w": ("#6b6b6b", "square"),
-    "tapforge (SVF to SVF)": ("#1f5fbf", "circle"),
-    "tapforge (SVF to KSVF)": ("#c2500f", "diamond"),
-    "cp": ("#3d8a3d", "triangle"),
+    "wc": ("wc -w", "#6b6b6b", "square"),
+    "svf": ("tapforge, SVF to SVF", "#1f5fbf", "circle"),
+    "ksvf": ("tapforge, SVF to KSVF", "#c2500f", "diamond"),
+    "cp": ("cp", "#3d8a3d", "triangle"),
 }
-WIDTH, HEIGHT = 760, 480
-LEFT, RIGHT, TOP, BOTTOM = 96, 736, 104, 416
-
-
-def measure(program, folder, runs, clock):
-    """Rows of series, size in bytes, median seconds on the clock named."""
-    bench = runpy.run_path(os.path.join(os.path.dirname(os.path.abspath(__file__)), "run"))
-    clocks = {"elapsed": time.perf_counter, "processor": bench["processor_time"]}
-    names = dict(zip(("wc", "svf", "ksvf", "cp"), SERIES))
-    for size in MEGABYTES:
-        scale = size * 1e6 / BYTES_PER_DIGIT / workloads.BULK_DIGITS
-        source = workloads.make("bulk", folder, round(scale, 4))
-        times = bench["measure"](program, source, None, runs, clocks[clock], ("svf", "ksvf"))
-        for name, series in names.items():
-            yield series, os.path.getsize(source), round(median(times[name]), 5), clock
+PANELS = {"bulk": "one long scan", "rows": "rows of 1024 bits", "statements": "short statements"}
+WIDTH, HEIGHT = 860, 430
+LEFT, RIGHT, TOP, BOTTOM, GAP = 84, 844, 128, 366, 16
 
 
 def marker(shape, x, y, colour):
@@ -61,16 +36,32 @@ def line(path, colour, width=1):
     return f'<path d="{path}" fill="none" stroke="{colour}" stroke-width="{width}"/>'
 
 
-def draw(rows, clock):
-    """The SVG. It carries its own light ground, so that it reads on a dark page too."""
-    sizes = sorted({size for _, size, _ in rows})
-    ticks = [step * 10.0**power for power in range(-4, 3) for step in (1, 2, 5)]
-    low = max(tick for tick in ticks if tick <= min(row[2] for row in rows))
-    high = min(tick for tick in ticks if tick >= max(row[2] for row in rows))
+def panel(workload, points, left, right, y_of):
+    """One workload; `points` are (tool, bytes, seconds)."""
+    sizes = sorted({size for _, size, _ in points})
 
     def x_of(size):
         part = math.log(size / sizes[0], sizes[-1] / sizes[0])
-        return LEFT + (RIGHT - LEFT) * (0.06 + 0.88 * part)
+        return left + (right - left) * (0.1 + 0.8 * part)
+
+    out = [text((left + right) / 2, TOP - 10, PANELS[workload], extra='font-weight="600"')]
+    for size in sizes:
+        out.append(line(f"M{x_of(size):.1f} {TOP}V{BOTTOM}", "#dededa"))
+        out.append(text(x_of(size), BOTTOM + 20, f"{size / 1e6:.2g} MB"))
+    for tool, (_, colour, shape) in SERIES.items():
+        way = sorted((x_of(size), y_of(spent)) for name, size, spent in points if name == tool)
+        out.append(line("M" + "L".join(f"{x:.1f} {y:.1f}" for x, y in way), colour, 2.2))
+        out += [marker(shape, x, y, colour) for x, y in way]
+    return out
+
+
+def draw(rows, clock):
+    """The SVG; `rows` are (workload, tool, bytes, seconds). It carries its own
+    light ground, so that it reads on a dark page too."""
+    ticks = [step * 10.0**power for power in range(-4, 3) for step in (1, 2, 5)]
+    low = max(tick for tick in ticks if tick <= min(row[3] for row in rows))
+    high = min(tick for tick in ticks if tick >= max(row[3] for row in rows))
+    width = (RIGHT - LEFT + GAP) / len(PANELS) - GAP
 
     def y_of(spent):
         return BOTTOM - (BOTTOM - TOP) * math.log(spent / low, high / low)
@@ -82,51 +73,39 @@ def draw(rows, clock):
         f'<rect x=".5" y=".5" width="{WIDTH - 1}" height="{HEIGHT - 1}" rx="8" fill="#fdfdfb"'
         ' stroke="#d0d0cc"/>',
         text(LEFT, 34, TITLE, "start", 'font-size="17" font-weight="600" fill="#1a1a1a"'),
-        text(LEFT, 54, f"{clock} time of whole processes, median; both axes logarithmic", "start"),
+        text(LEFT, 54, f"{clock} time of whole processes, medians; both axes logarithmic", "start"),
         text((LEFT + RIGHT) / 2, BOTTOM + 46, "size of the SVF file"),
-        text(26, 260, f"{clock} time", extra='transform="rotate(-90 26 260)"'),
     ]
     for tick in (tick for tick in ticks if low <= tick <= high):
-        y = y_of(tick)
-        out.append(line(f"M{LEFT} {y:.1f}H{RIGHT}", "#dededa"))
+        for left in (LEFT + i * (width + GAP) for i in range(len(PANELS))):
+            out.append(line(f"M{left:.1f} {y_of(tick):.1f}h{width:.1f}", "#dededa"))
         label = f"{tick:g} s" if tick >= 1 else f"{tick * 1e3:g} ms"
-        out.append(text(LEFT - 10, y + 4.5, label, "end"))
-    for size in sizes:
-        out.append(line(f"M{x_of(size):.1f} {TOP}V{BOTTOM}", "#dededa"))
-        out.append(text(x_of(size), BOTTOM + 20, f"{size / 1e6:.0f} MB"))
-    legend_x = LEFT
-    for series, (colour, shape) in SERIES.items():
-        points = sorted((x_of(size), y_of(spent)) for name, size, spent in rows if name == series)
-        out.append(line("M" + "L".join(f"{x:.1f} {y:.1f}" for x, y in points), colour, 2.2))
-        out.append(line(f"M{legend_x} 80h24", colour, 2.2))
-        out += [marker(shape, x, y, colour) for x, y in [*points, (legend_x + 12, 80)]]
-        out.append(text(legend_x + 31, 84.5, series, "start"))
-        legend_x += 56 + 7.4 * len(series)
+        out.append(text(LEFT - 10, y_of(tick) + 4.5, label, "end"))
+    for i, workload in enumerate(PANELS):
+        left = LEFT + i * (width + GAP)
+        points = [row[1:] for row in rows if row[0] == workload]
+        out += panel(workload, points, left, left + width, y_of)
+    legend = LEFT
+    for name, colour, shape in SERIES.values():
+        out += [line(f"M{legend} 80h24", colour, 2.2), marker(shape, legend + 12, 80, colour),
+                text(legend + 31, 84.5, name, "start")]
+        legend += 62 + 6.3 * len(name)
     return "\n".join(out) + "\n</svg>\n"
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("output", nargs="?", default="docs/performance.svg")
-    parser.add_argument("--csv", help="draw this table instead of measuring")
-    parser.add_argument("--program", default="build/release/tapforge")
-    parser.add_argument("--folder", default="build/bench")
-    parser.add_argument("--runs", type=int, default=7)
-    parser.add_argument("--cpu", action="store_true", help="processor time, for a busy machine")
-    args = parser.parse_args()
-    table = args.csv or os.path.join(args.folder, "performance.csv")
-    if not args.csv:
-        clock = "processor" if args.cpu else "elapsed"
-        rows = list(measure(os.path.abspath(args.program), args.folder, args.runs, clock))
-        with open(table, "w", encoding="ascii", newline="") as file:
-            csv.writer(file).writerows([("series", "bytes", "seconds", "clock"), *rows])
-    with open(table, encoding="ascii", newline="") as file:
-        table_rows = list(csv.DictReader(file))
-    rows = [(row["series"], int(row["bytes"]), float(row["seconds"])) for row in table_rows]
-    os.makedirs(os.path.dirname(args.output) or ".", exist_ok=True)
-    with open(args.output, "w", encoding="utf-8") as file:
-        file.write(draw(rows, table_rows[0]["clock"]))
-    print(f"{args.output}, from {table}")
+    paths = sys.argv[1:] + ["build/bench/results.csv", "docs/performance.svg"][len(sys.argv) - 1:]
+    if len(paths) != 2 or paths[0].startswith("-"):
+        sys.exit(__doc__)
+    with open(paths[0], encoding="ascii", newline="") as file:
+        table = list(csv.DictReader(file))
+    rows = [(row["workload"], row["tool"], int(row["bytes"]), float(row["seconds"]))
+            for row in table if row["tool"] in SERIES]
+    if {row[0] for row in rows} != set(PANELS):
+        sys.exit(f"{paths[0]} is not of a run of all workloads")
+    with open(paths[1], "w", encoding="utf-8") as file:
+        file.write(draw(rows, table[0]["clock"]))
+    print(f"{paths[1]}, from {paths[0]}")
 
 
 if __name__ == "__main__":

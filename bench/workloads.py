@@ -30,7 +30,7 @@ def folded(digits):
 
 def bulk(out, scale):
     """Device configuration: one SDR that is nearly the whole file."""
-    digits = int(BULK_DIGITS * scale) // 2 * 2
+    digits = round(BULK_DIGITS * scale) // 2 * 2
     text = random.Random("bulk").randbytes(digits // 2).hex().upper()
     out.write(SETUP + BARE_CHAIN + "SIR 8 TDI (05);\nRUNTEST 100 TCK;\n")
     out.write(f"SDR {digits * 4} TDI (\n{folded(text)}\n);\nRUNTEST 1000 TCK;\n")
@@ -42,7 +42,7 @@ def rows(out, scale):
     rng = random.Random("rows")
     size = ROW_BITS // 8
     out.write(SETUP + BARE_CHAIN + "SIR 8 TDI (05);\nRUNTEST 100 TCK;\n")
-    for _ in range(int(ROWS * scale)):
+    for _ in range(round(ROWS * scale)):
         tdi, tdo, mask = (folded(rng.randbytes(size).hex()) for _ in range(3))
         out.write(f"SDR {ROW_BITS} TDI (\n{tdi})\nTDO (\n{tdo})\nMASK (\n{mask});\n"
                   "RUNTEST 1000 TCK;\n")
@@ -52,7 +52,7 @@ def rows(out, scale):
 def statements(out, scale):
     """Register by register test of one device in a chain: short statements."""
     rng = random.Random("statements")
-    count = int(STATEMENTS * scale)
+    count = round(STATEMENTS * scale)
     text = rng.randbytes(13 * count).hex()
     out.write(SETUP + CHAIN)
     for i in range(0, 26 * count, 26):

@@ -1,18 +1,39 @@
-include(GNUInstallDirs)
+if(WIN32)
+  # One folder that can stand anywhere, with the manual for a browser.
+  install(TARGETS tapforge tapforge-replay RUNTIME DESTINATION .)
+  set(documents .)
+  find_program(TAPFORGE_MANDOC mandoc)
+  if(TAPFORGE_MANDOC)
+    foreach(page tapforge tapforge-replay)
+      add_custom_command(OUTPUT ${page}.html
+                         COMMAND ${TAPFORGE_MANDOC} -T html
+                                 ${PROJECT_SOURCE_DIR}/docs/${page}.1 > ${page}.html
+                         DEPENDS docs/${page}.1)
+      install(FILES ${PROJECT_BINARY_DIR}/${page}.html DESTINATION .)
+    endforeach()
+    add_custom_target(manual ALL DEPENDS tapforge.html tapforge-replay.html)
+  else()
+    message(STATUS "The manual is left out: it needs mandoc.")
+  endif()
+else()
+  include(GNUInstallDirs)
+  set(documents ${CMAKE_INSTALL_DOCDIR})
+  install(TARGETS tapforge tapforge-replay RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES docs/tapforge.1 docs/tapforge-replay.1
+          DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES completions/tapforge.bash
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME tapforge)
+  install(FILES completions/tapforge-replay.bash
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME tapforge-replay)
+  install(FILES completions/_tapforge completions/_tapforge-replay
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+endif()
 
-install(TARGETS tapforge tapforge-replay RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES docs/tapforge.1 docs/tapforge-replay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES completions/tapforge.bash
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-        RENAME tapforge)
-install(FILES completions/tapforge-replay.bash
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-        RENAME tapforge-replay)
-install(FILES completions/_tapforge completions/_tapforge-replay
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+install(FILES README.md CHANGELOG.md DESTINATION ${documents})
+install(DIRECTORY docs DESTINATION ${documents}
         FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
-install(DIRECTORY player DESTINATION ${CMAKE_INSTALL_DOCDIR}
+install(DIRECTORY player DESTINATION ${documents}
         FILES_MATCHING PATTERN "*.c" PATTERN "*.h")
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples DESTINATION ${documents})

@@ -1,5 +1,5 @@
-# cpack -G DEB makes the Debian package, cpack --config CPackSourceConfig.cmake
-# the source archive.
+# cpack makes the Debian package, for Windows a zip archive; cpack --config
+# CPackSourceConfig.cmake makes the source archive.
 set(CPACK_PACKAGE_NAME tapforge)
 set(CPACK_PACKAGE_VENDOR Ondrel)
 set(CPACK_PACKAGE_CONTACT "Ondrel tapforge developers <tapforge@ondrel.example>")
@@ -13,7 +13,12 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
-set(CPACK_GENERATOR DEB)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_PACKAGE_FILE_NAME tapforge-${PROJECT_VERSION}-windows-x86_64)
+else()
+  set(CPACK_GENERATOR DEB)
+endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION electronics)

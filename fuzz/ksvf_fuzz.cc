@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto input = tapforge::fuzz::parseInput(data, size);
   if (!input.usable) return 0;
   const auto option = [&input](unsigned bit) { return (input.options >> bit & 1) != 0; };
-  progmode_svf2ksvf::Vars vars;
+  progmode_svf2ksvf::KsvfVars vars;
   vars.iFpgaFormat = option(0);
   vars.lFpgaRecSize = option(1) ? 68 : 128;
   vars.giUseKwait = option(2);

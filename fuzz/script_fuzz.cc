@@ -26,17 +26,18 @@ std::string withoutBlanks(std::string text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto input = tapforge::fuzz::parseInput(data, size);
   if (!input.usable) return 0;
-  progmode_svf2tapbus::Vars vars;
+  progmode_svf2tapbus::ScriptVars vars;
   vars.iSvfSyntaxCheck = (input.options & 1) != 0;
   vars.iGlobOutFormat = (input.options & 2) != 0;
   vars.iSkipTdoTest = (input.options & 4) != 0;
   vars.iInsertWait = (input.options & 8) != 0 ? 7 : 0;
   vars.lGlobPrintLine = (input.options >> 4) & 3;
   // A long wait in short pieces would fill the memory.
-  vars.lGlobOptMaxRtiTck = (input.options & 64) != 0 ? 40000 : std::numeric_limits<long>::max();
+  vars.lGlobOptMaxRtiTck =
+      (input.options & 64) != 0 ? 40000 : std::numeric_limits<std::int64_t>::max();
   vars.lGlobTckFreq = (input.options & 64) != 0 ? 10 : 1000000;
   if (input.svf.find_first_of("eE") != std::string_view::npos) {
-    vars.lGlobOptMaxRtiTck = std::numeric_limits<long>::max();
+    vars.lGlobOptMaxRtiTck = std::numeric_limits<std::int64_t>::max();
   }
   const Converted chosen = toScript(input.svf, vars);
   tapforge::fuzz::require(chosen.good || !chosen.messages.empty(), "a failure says why");

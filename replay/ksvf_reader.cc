@@ -229,13 +229,13 @@ class KsvfReader final : public Reader {
   Bits tdi_;
   Bits tdo_;
   Bits mask_;
-  std::uint64_t shifted_ = 0;     // up to 64 bits of TDI in the highest bits
-  std::uint64_t expected_ = 0;    // the TDO that belongs to them,
-  std::uint64_t answer_ = 0;      // and what is left of it for the pins
-  std::uint32_t filled_ = 0;      // bits of such a word
-  std::uint32_t room_ = 0;        // bits still to come for it
-  std::uint32_t left_ = 0;        // bits of the record from this word on
-  std::uint64_t uncompared_ = 0;  // bits that tdo_ and mask_ lag behind tdi_
+  std::uint64_t shifted_ = 0;   // up to 64 bits of TDI in the highest bits
+  std::uint64_t expected_ = 0;  // the TDO that belongs to them,
+  std::uint64_t answer_ = 0;    // and what is left of it for the pins
+  std::uint32_t filled_ = 0;    // bits of such a word
+  std::uint32_t room_ = 0;      // bits still to come for it
+  std::uint32_t left_ = 0;      // bits of the record from this word on
+  std::size_t uncompared_ = 0;  // bits that tdo_ and mask_ lag behind tdi_
 };
 
 }  // namespace

@@ -34,7 +34,7 @@ void showScan(Reader& reader, std::uint64_t number, const std::string& path, Out
   if (operation.place.line == 0) return;  // nothing to read for people
   std::ifstream file(path, std::ios::binary);
   const std::uint64_t size = operation.place.end - operation.place.offset;
-  std::string text(std::min(size, kMostText), '\0');
+  std::string text(static_cast<std::size_t>(std::min(size, kMostText)), '\0');
   file.seekg(static_cast<std::streamoff>(operation.place.offset));
   if (!file.read(text.data(), static_cast<std::streamsize>(text.size()))) {
     throw Fault(path + ": cannot be read again");

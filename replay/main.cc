@@ -2,6 +2,10 @@
 // was made of it.
 
 #include <unistd.h>
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
 
 #include <array>
 #include <charconv>
@@ -99,7 +103,7 @@ Options parse(const std::vector<std::string_view>& arguments) {
     if (name == "scan") {
       options.scan = numberOf(name, value());
     } else if (name == "width") {
-      options.width = numberOf(name, value());
+      options.width = static_cast<std::size_t>(numberOf(name, value()));
     } else if (name == "vcd") {
       options.vcd = value();
     } else if (name == "strict") {
@@ -235,7 +239,11 @@ int run(const std::vector<std::string_view>& arguments) {
 }  // namespace tapforge_replay
 
 int main(int argc, char** argv) {
+#ifdef _WIN32
+  _setmode(_fileno(stdout), _O_BINARY);  // line ends as they are written
+#else
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is an error of writing
+#endif
   try {
     return tapforge_replay::run({argv + (argc > 0 ? 1 : 0), argv + argc});
   } catch (const std::bad_alloc&) {

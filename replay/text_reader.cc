@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMostWord = 1 << 16;  // characters
 constexpr unsigned kDigitsOfWord = 16;
-constexpr std::size_t kMostBits = std::size_t{1} << 40;
+constexpr std::size_t kMostBits = std::size_t{1} << (sizeof(std::size_t) > 4 ? 40 : 31);
 
 constexpr std::uint8_t kNoDigit = 255;
 

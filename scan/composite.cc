@@ -1,28 +1,71 @@
 #include "scan/composite.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace tapforge {
-std::uint64_t CompositeScan::gather(long low) const {
-  std::uint64_t bits = 0;
-  for (int i = 0; i < count_; ++i) {
-    const Piece& piece = pieces_[static_cast<std::size_t>(i)];
-    const long from = std::max(low, piece.begin);
-    if (piece.end <= from || from - low >= kWord) continue;
-    bits |= pieceBits(piece, from - piece.begin) << (from - low);
-  }
-  return bits;
+namespace {
+
+std::uint64_t fillOf(ScanValue value) {
+  return value == ScanValue::tdi || value == ScanValue::smask ? ~std::uint64_t{0} : 0;
 }
 
-long compositeLength(const RegisterPatterns& patterns, Reporter& report) {
-  constexpr long kMost = std::numeric_limits<long>::max();
-  long length = 0;
-  for (const CTapPattern* pattern : {&patterns.head, &patterns.data, &patterns.trail}) {
-    if (pattern->length() > kMost - length) report.fatal("consD[0]", Where::nowhere);
-    length += pattern->length();
+// A header's or trailer's bits of at most 64, moved up to their place.
+std::uint64_t frameBits(const CTapPattern& pattern, ScanValue value, std::int64_t low) {
+  if (pattern.lLength() == 0) return 0;
+  const CTapField* const field = pattern[value];
+  const std::uint64_t bits =
+      field != nullptr ? field->shortBits() : fillOf(value) & lowBits(pattern.lLength());
+  return bits << low;
+}
+
+}  // namespace
+
+void RegisterScan::makeFrame() {
+  frameFor_ = data_.lLength();
+  std::int64_t sum = 0;
+  const bool tooLong = __builtin_add_overflow(head_.lLength(), data_.lLength(), &sum) ||
+                       __builtin_add_overflow(sum, trail_.lLength(), &sum);
+  length_ = tooLong ? kTooLong : sum;
+  if (tooLong || sum > kWordBits) return;
+  for (const ScanValue value : kScanValues) {
+    frame_[static_cast<std::size_t>(value)] =
+        frameBits(head_, value, 0) | frameBits(trail_, value, sum - trail_.lLength());
   }
-  return length;
+}
+
+CompositeScan::CompositeScan(const RegisterScan& scan, ScanValue value, std::int64_t length) {
+  const std::int64_t dataBegin = scan.head().lLength();
+  const std::int64_t dataEnd = dataBegin + scan.data().lLength();
+  pieces_ = {{{scan.head()[value], fillOf(value), 0, dataBegin},
+              {scan.data()[value], ~std::uint64_t{0}, dataBegin, dataEnd},
+              {scan.trail()[value], fillOf(value), dataEnd, length}}};
+  setBody(scan.data()[value], dataBegin, dataEnd);
+}
+
+CompositeScan::CompositeScan(const CTapField& field, std::int64_t length) {
+  pieces_[0] = {&field, 0, 0, length};
+  setBody(&field, 0, length);
+}
+
+void CompositeScan::setBody(const CTapField* field, std::int64_t begin, std::int64_t end) {
+  if (field == nullptr) return;
+  body_ = field;
+  bodyBegin_ = begin;
+  bodyLast_ = end - kWordBits;
+}
+
+std::uint64_t CompositeScan::gather(std::int64_t low) const {
+  assert(low >= 0);
+  std::uint64_t bits = 0;
+  for (const Piece& piece : pieces_) {
+    const std::int64_t from = std::max(low, piece.begin);
+    if (piece.end <= from || from - low >= kWordBits) continue;
+    std::uint64_t part =
+        piece.field != nullptr ? piece.field->bitsAt(from - piece.begin) : piece.fill;
+    if (piece.end - from < kWordBits) part &= lowBits(piece.end - from);
+    bits |= part << (from - low);
+  }
+  return bits;
 }
 
 }  // namespace tapforge

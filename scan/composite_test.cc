@@ -5,67 +5,69 @@
 #include <random>
 #include <string>
 
-#include "script/dialect.h"
-
 namespace tapforge {
 namespace {
 
-// A pattern with random bits for SMASK or without an SMASK, which stands for 1s,
-// and the same bits as text, the last one first.
-std::string randomPattern(CTapPattern& pattern, long length, bool given, std::mt19937& random) {
-  static Reporter report(progmode_svf2tapbus::kDialect);
-  std::string bits;
-  CTapField& field = pattern.storage(ScanValue::smask);
-  if (length > 0) field.initTapField(length, report);
-  for (long i = 0; i < (length + 3) / 4; ++i) {
-    const unsigned digit = static_cast<unsigned>(random()) % 16;
-    field.setTapDataChar(i, digit);
-    for (int bit = 0; bit < 4; ++bit) bits += digit >> bit & 1 ? '1' : '0';
+// Gives a pattern random values of `length` bits, all or only a TDI.
+void fill(CTapPattern& pattern, std::int64_t length, bool all, std::mt19937& random) {
+  ScanValues given;
+  for (const ScanValue value : kScanValues) {
+    if (length == 0 || (!all && value != ScanValue::tdi)) continue;
+    given.add(value);
+    CTapField& field = pattern.storage(value);
+    field.initTapField(length);
+    // Bits above the length must do no harm.
+    for (std::int64_t i = field.lNumChars(); i-- > 0;) field.setTapDataChar(i, random() % 16);
   }
-  if (length > 0) field.setStart(0);
-  ScanData data{length, {}};
-  if (length > 0) data.given.add(ScanValue::tdi);
-  if (length > 0 && given) data.given.add(ScanValue::smask);
-  EXPECT_TRUE(pattern.setPattern(data));
-  bits.resize(static_cast<std::size_t>(length));
-  return given ? bits : std::string(bits.size(), '1');
+  EXPECT_TRUE(pattern.setPattern(0, {}) && pattern.setPattern(length, given));
 }
 
-TEST(CompositeScan, JoinsBitByBit) {
-  std::mt19937 random(3);
-  for (int round = 0; round < 4000; ++round) {
-    const long most = round % 3 == 0 ? 20 : 150;
-    const auto any = [&](long limit) { return static_cast<long>(random()) % limit; };
-    RegisterPatterns patterns;
-    std::string bits = randomPattern(patterns.head, any(most), any(3) != 0, random);
-    bits += randomPattern(patterns.data, 1 + any(most), any(5) != 0, random);
-    bits += randomPattern(patterns.trail, any(most), any(3) != 0, random);
-    const auto length = static_cast<long>(bits.size());
-    const CompositeScan scan(patterns, ScanValue::smask, length);
-    for (long low = 0; low < length; low += 1 + any(9)) {
-      const std::uint64_t word = scan.bits(low);
-      for (long i = 0; i < 64; ++i) {
-        const bool expected = low + i < length && bits[static_cast<std::size_t>(low + i)] == '1';
-        ASSERT_EQ((word >> i & 1) != 0, expected) << "bit " << low + i << " of " << length;
-      }
-    }
+// Bits as characters, bit 0 first.
+std::string plain(const CTapPattern& pattern, ScanValue value, char filler) {
+  std::string bits(static_cast<std::size_t>(pattern.lLength()), filler);
+  for (std::size_t i = 0; i < bits.size() && pattern[value] != nullptr; ++i) {
+    const unsigned digit = pattern[value]->getTapDataChar(static_cast<std::int64_t>(i / 4));
+    bits[i] = (digit >> (i % 4) & 1) != 0 ? '1' : '0';
   }
+  return bits;
 }
 
-TEST(CTapField, TurnsItsRowInPlace) {
-  Reporter report(progmode_svf2tapbus::kDialect);
-  for (const long digits : {1L, 2L, 5L, 16L, 33L}) {
-    for (long start = 0; start < digits; ++start) {
-      CTapField field;
-      field.initTapField(4 * digits, report);
-      for (long i = 0; i < digits; ++i) {
-        field.setTapDataChar((start + i) % digits, static_cast<unsigned>(i * 7 % 16));
+std::string plain(std::uint64_t bits) {
+  std::string text;
+  for (int i = 0; i < 64; ++i) text += (bits >> i & 1) != 0 ? '1' : '0';
+  return text;
+}
+
+TEST(CompositeScan, IsHeaderDataAndTrailerBitByBit) {
+  CTapPattern head;
+  CTapPattern data;
+  CTapPattern trail;
+  RegisterScan scan(head, data, trail);
+  std::mt19937 random(1);
+  constexpr std::int64_t kHead[] = {0, 1, 30, 64, 65};
+  constexpr std::int64_t kData[] = {1, 34, 63, 64, 65, 131};
+  constexpr std::int64_t kTrail[] = {0, 30, 67};
+  for (unsigned i = 0; i < 5 * 6 * 3 * 8; ++i) {
+    fill(head, kHead[i % 5], (i / 90 & 1) != 0, random);
+    fill(data, kData[i % 6], (i / 90 & 2) != 0, random);
+    fill(trail, kTrail[i / 30 % 3], (i / 90 & 4) != 0, random);
+    scan.frameChanged();
+    const std::int64_t length = scan.length();
+    ASSERT_EQ(length, head.lLength() + data.lLength() + trail.lLength());
+    for (const ScanValue value : kScanValues) {
+      const char filler = value == ScanValue::tdi || value == ScanValue::smask ? '1' : '0';
+      const std::string expected = plain(head, value, filler) + plain(data, value, '1') +
+                                   plain(trail, value, filler) + std::string(64, '0');
+      const CompositeScan bits(scan, value, length);
+      for (std::int64_t low = 0; low < length; low += low % 3 + 1) {
+        ASSERT_EQ(plain(bits(low)), expected.substr(static_cast<std::size_t>(low), 64));
       }
-      field.setStart(start);
-      EXPECT_EQ(field.getTapDataChar(digits - 1), (digits - 1) * 7 % 16);
-      field.normalise();
-      for (long i = 0; i < digits; ++i) EXPECT_EQ(field.physicalDigit(i), i * 7 % 16);
+      if (length > 64) continue;
+      EXPECT_EQ(plain(scan.shortBits(value)), expected.substr(0, 64));
     }
+    const CompositeScan alone(*data.pTdi(), data.lLength());
+    EXPECT_EQ(plain(alone(0)),
+              (plain(data, ScanValue::tdi, ' ') + std::string(64, '0')).substr(0, 64));
   }
 }
 

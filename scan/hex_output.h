@@ -4,44 +4,43 @@
 #include <algorithm>
 
 #include "scan/hex_digits.h"
-#include "shell/output_file.h"
+#include "shell/io/output_file.h"
 
 namespace tapforge {
 
-/// Writes `count` hex digits, from digit `top` downwards, digit 0 being the
-/// least significant one. `bits(low)` gives the 64 bits from bit `low` up; bits
-/// above the digits asked for do no harm.
+/// Writes `count` (1 to 16) hex digits to `out`, of which sixteen characters
+/// must be writable: those from digit `low` up, digit 0 being the least
+/// significant one. `bits(low)` gives the 64 bits from bit `low` up. Returns the
+/// end of the digits.
 template <typename Bits>
-void writeManyDigits(OutputFile& output, const Bits& bits, long top, long count, HexCase hexCase) {
-  constexpr long kAtOnce = 256;
-  while (count > 0) {
-    long rest = std::min(count, kAtOnce);
-    count -= rest;
-    char* out = output.reserve(kAtOnce + 16);
-    for (; rest >= 16; rest -= 16, top -= 16, out += 16) {
-      encodeHex16(bits(4 * (top - 15)), hexCase, out);
-    }
-    if (rest > 0) {
-      // The last digits, moved to the front of a group of sixteen.
-      encodeHex16(bits(4 * (top - rest + 1)) << (64 - 4 * rest), hexCase, out);
-      top -= rest;
-      out += rest;
-    }
-    output.advance(out);
-  }
+inline char* putDigits(char* out, const Bits& bits, std::int64_t low, std::int64_t count,
+                       HexCase hexCase) {
+  assert(count >= 1 && count <= 16);
+  // The digits are moved to the front of a group of sixteen.
+  encodeHex16(bits(4 * low) << (64 - 4 * count), hexCase, out);
+  return out + count;
 }
 
-/// The same, with the short values of most statements out of the loop.
+/// Writes `count` hex digits, from digit `top` downwards. Bits above the digits
+/// asked for do no harm.
 template <typename Bits>
-inline void writeDigits(OutputFile& output, const Bits& bits, long top, long count,
-                        HexCase hexCase) {
-  if (count > 16) {
-    writeManyDigits(output, bits, top, count, hexCase);
+void writeDigits(OutputFile& output, const Bits& bits, std::int64_t top, std::int64_t count,
+                 HexCase hexCase) {
+  constexpr std::int64_t kAtOnce = 256;
+  static_assert(OutputFile::kReserve >= kAtOnce);
+  if (count <= 16) {
+    output.advance(putDigits(output.reserve(16), bits, top - count + 1, count, hexCase));
     return;
   }
-  char* const out = output.reserve(16);
-  encodeHex16(bits(4 * (top - count + 1)) << (64 - 4 * count), hexCase, out);
-  output.advance(out + count);
+  while (count > 0) {
+    std::int64_t rest = std::min(count, kAtOnce);
+    count -= rest;
+    char* out = output.reserve(kAtOnce);
+    for (; rest >= 16; rest -= 16, top -= 16) out = putDigits(out, bits, top - 15, 16, hexCase);
+    if (rest > 0) out = putDigits(out, bits, top - rest + 1, rest, hexCase);
+    top -= rest;
+    output.advance(out);
+  }
 }
 
 }  // namespace tapforge

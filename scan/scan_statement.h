@@ -1,26 +1,37 @@
 #ifndef TAPFORGE_SCAN_SCAN_STATEMENT_H
 #define TAPFORGE_SCAN_SCAN_STATEMENT_H
 
-#include "scan/tap_pattern.h"
-#include "svf/run.h"
+#include "scan/tap_obj.h"
+#include "svf/file_channel.h"
+#include "svf/keyword.h"
 
 namespace tapforge {
 
-/// Reads the rest of a scan statement, up to its ";": the length and the TDI,
-/// TDO, MASK and SMASK values in parentheses, each at most once, in any order.
-/// With `dataRequired` (SIR, SDR) a length below 1 is fatal; without it the
-/// rest of the statement is then skipped. A TDO that comes with an all-zero
-/// MASK compares nothing and is dropped.
+/// Reads the rest of a scan, header or trailer statement (SIR to TDR), up to its
+/// ";", and puts its values in force in the statement's pattern: the length and
+/// the TDI, TDO, MASK and SMASK values in parentheses, each at most once, in any
+/// order. For SIR and SDR a length below 1 is fatal; for the others the rest of
+/// the statement is then skipped. A TDO that comes with an all-zero MASK compares
+/// nothing and is dropped.
 ///
-/// `pattern` is the one that the values are meant for. They are read into its
-/// storage, see CTapPattern::storage(), and put in force by setPattern().
-ScanData readTapData(bool dataRequired, CTapPattern& pattern, Run& run);
+/// False when SVF's rules ask for a TDI that is missing: the caller must then end
+/// the run by endByRuleViolation().
+[[nodiscard]] bool readTapData(Keyword keyword, CTapObj& tap, FileChannel& channel);
 
-/// Reads one parenthesised hex value into `field`, `length` bits long. White
-/// space may stand anywhere in it. Missing digits are 0 and the most
-/// significant ones; surplus digits push out the most significant ones, with a
-/// warning for each that is not 0, and so do 1s above the length.
-void readSvfHexData(long length, CTapField& field, Run& run);
+/// Fatal "SVF rule violation", after the warning that says which.
+[[noreturn]] void endByRuleViolation(Reporter& report);
+
+/// The length in bits of the scan of the whole chain. One that no number can hold
+/// is fatal: "consD[0]".
+inline std::int64_t compositeLength(RegisterScan& scan, Reporter& report) {
+  const std::int64_t length = scan.length();
+  if (length == RegisterScan::kTooLong) report.fatal("consD[0]", Where::nowhere);
+  return length;
+}
+
+/// Makes a field all zero, `length` bits (at least 1) long. Memory that cannot be
+/// had is fatal: "Null Ptr [pData NULL]".
+void initTapField(CTapField& field, std::int64_t length, Reporter& report);
 
 }  // namespace tapforge
 

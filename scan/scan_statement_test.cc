@@ -4,22 +4,119 @@
 
 #include <string>
 
-#include "script/dialect.h"
-#include "shell/text.h"
+#include "shell/io/text.h"
+#include "tests/support/fakes.h"
 #include "tests/support/in_memory.h"
 
-namespace tapforge {
+namespace tapforge::testing {
 namespace {
 
-// Digits are counted down while they are read and up while they are written.
-TEST(ScanStatement, ShowsProgressEvery200000Digits) {
-  const std::string svf = cat("SDR 800008 TDI (", std::string(200002, '5'), ");");
-  const std::string wipe(progmode_svf2tapbus::kDialect.screenWipe);
-  EXPECT_EQ(testing::toScript(svf).status, cat("\r*** Reading hex char #  200000", wipe,
-                                               "\r*** Writing hex char #  200000", wipe));
-  EXPECT_NE(testing::toKsvf(svf).status.find("\r*** Reading hex char #  200000\r"),
-            std::string::npos);
+// What is said about SDRs, and the digits of TDI, TDO, MASK and SMASK that they leave in force.
+std::string scan(const std::string& statements) {
+  SyntaxRules rules = scriptRules();
+  rules.positionText = [](const SourcePlace& place) { return concat(" [", place.sLastItem, "]"); };
+  Source source(statements, rules);
+  CTapObj tap;
+  while (source.channel.lexKeyword()) {
+    source.channel.unlex();
+    EXPECT_TRUE(readTapData(Keyword::sdr, tap, source.channel));
+  }
+  std::string text = source.report.text + "\n";
+  for (const ScanValue value : kScanValues) {
+    const CTapField* const field = tap.pTapData[value];
+    for (std::int64_t i = field == nullptr ? 0 : field->lNumChars(); i-- > 0;) {
+      text += "0123456789abcdef"[field->getTapDataChar(i)];
+    }
+    text += '/';
+  }
+  return text;
+}
+
+TEST(ScanStatement, KeepsTheLastDigits) {
+  const std::string digits = "20b000001002030450600";
+  const std::string topDigits = "0123456789AB";
+  for (const std::size_t size : {std::size_t{2}, kBlockSizes.back()}) {
+    const WithBlockSize blocks(size);
+    for (std::size_t i = 0; i < 72 * digits.size(); ++i) {
+      const std::size_t bits = i % 72 + 1;
+      const std::size_t room = (bits + 3) / 4;
+      const std::size_t count = i / 72;
+      std::string said;
+      for (std::size_t at = room; at < count; ++at) {
+        if (digits[at - room] == '0') continue;
+        said += concat("\nWarning: Ignoring excess MSB chars in field [", digits[at], "]");
+      }
+      const std::string kept = (std::string(room, '0') + digits.substr(0, count)).substr(count);
+      const char top = toUpper(kept[0]);
+      if (bits % 4 != 0 && topDigits.find(top) >> bits % 4 != 0) {
+        said += concat("\nWarning: 1's in ", 4 - bits % 4, " MSB bits of leading hex char (", top,
+                       ") will be ignored [", digits[count - 1], "]");
+      }
+      // A blank in front takes a value off the short way.
+      for (const char* const blank : {"", " "}) {
+        EXPECT_EQ(scan(concat(bits, " TDI(", blank, digits.substr(0, count), ");")),
+                  said + "\n" + kept + "////");
+      }
+    }
+  }
+}
+
+TEST(ScanStatement, KeepsValuesWhileTheLengthStays) {
+  const std::string all = "8 TDI(12) TDO(34) MASK(56) SMASK(78);";
+  EXPECT_EQ(scan(all), "\n12/34/56/78/");
+  EXPECT_EQ(scan(all + "8;"), "\n12//56/78/");
+  EXPECT_EQ(scan(all + "8 MASK(9) TDO(a);"), "\n12/0a/09/78/");
+  EXPECT_EQ(scan(all + "7 TDI(1) TDO(2); 7 SMASK(3);"), "\n01///03/");
+  EXPECT_EQ(scan(all + "7 TDI(1); 8 TDI(2);"), "\n02////");
+  CTapPattern pattern;
+  ScanValues tdi;
+  EXPECT_FALSE(pattern.setPattern(8, tdi));
+  EXPECT_TRUE(pattern.setPattern(0, tdi));
+  tdi.add(ScanValue::tdi);
+  // The storage of a large value that is no longer in force is freed.
+  for (const std::int64_t bytes : {CTapField::kSmall, CTapField::kSmall + 1}) {
+    pattern.storage(ScanValue::tdo).initTapField(8 * bytes);
+    EXPECT_TRUE(pattern.setPattern(8 * bytes, tdi));
+    EXPECT_EQ(pattern.storage(ScanValue::tdo).pData() != nullptr, bytes == CTapField::kSmall);
+  }
+}
+
+TEST(ScanStatement, DropsTheTdoOfAMaskOfZeros) {
+  const std::string zeros(16, '0');
+  EXPECT_EQ(scan("65 TDI()TDO()MASK(1" + zeros + ");"),
+            "\n0" + zeros + "/0" + zeros + "/1" + zeros + "//");
+  EXPECT_EQ(scan("64 TDI()TDO()MASK();"), "\n" + zeros + "//" + zeros + "//");
+  EXPECT_EQ(scan("4 TDI(0) MASK(8)TDO(0);"), "\n0/0/8//");
+  EXPECT_EQ(scan("3 MASK(8)TDO(0) SMASK\n( 1\t2 )TDI(5);"),
+            "\nWarning: 1's in 1 MSB bits of leading hex char (8) will be ignored [8]"
+            "\nWarning: Ignoring excess MSB chars in field [2]\n5//8/2/");
+}
+
+TEST(ScanStatement, ShowsItsProgress) {
+  const auto svf = [](std::size_t digits) {
+    return concat("SDR ", 4 * digits, " TDI (", std::string(digits, '7'), ");");
+  };
+  const std::string reading = "*** Reading hex char #  ";
+  const std::string writing = "\r*** Writing hex char #  200000";
+  const std::string wipe = "\r" + std::string(58, ' ');
+  EXPECT_EQ(toScript(svf(200000)).status, "");
+  EXPECT_EQ(toScript(svf(200001)).status, writing + wipe);
+  EXPECT_EQ(toScript(svf(400002)).status, "\r" + reading + "400000\r" + reading + "200000" + wipe +
+                                              writing + "\r*** Writing hex char #  400000" + wipe);
+  const std::string blank = "\r" + std::string(79, ' ') + "\r";
+  EXPECT_EQ(toKsvf(svf(200001)).status, "");
+  const WithBlockSize blocks(1);
+  EXPECT_EQ(toKsvf(svf(200002)).status, blank + reading + "200000" + blank);
+  std::string tcl;
+  for (const char* const kind : {"", "", "mask "}) {
+    for (const int digit : {20000, 10000, 0})
+      tcl += concat("\rProcess ", kind, "data char ", digit);
+  }
+  EXPECT_EQ(toScript("SDR 80004 TDI (1) TDO (2) MASK (3);",
+                     {.iSvfSyntaxCheck = true, .iGlobOutFormat = true})
+                .status,
+            tcl);
 }
 
 }  // namespace
-}  // namespace tapforge
+}  // namespace tapforge::testing

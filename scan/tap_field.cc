@@ -1,71 +1,63 @@
 #include "scan/tap_field.h"
 
 #include <algorithm>
+#include <limits>
+#include <new>
 
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
+#include "shell/io/system.h"
 
 namespace tapforge {
-namespace {
 
-// Fewer page faults while a long row is filled: an eighth of the time of a
-// conversion. Only a hint, so nothing depends on its success.
-void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {
-#if defined(__linux__)
-  constexpr std::size_t kPage = 4096;
-  constexpr std::size_t kWorthwhile = std::size_t{4} * 1024 * 1024;
-  void* pages = data;
-  if (size < kWorthwhile || std::align(kPage, kPage, pages, size) == nullptr) return;
-  madvise(pages, size / kPage * kPage, MADV_HUGEPAGE);
-#endif
-}
-
-}  // namespace
-
-void CTapField::initTapField(long length, Reporter& report) {
-  setLength(length);
-  if (lNumBytes_ <= capacity_) {
-    std::memset(pData_.get(), 0, static_cast<std::size_t>(lNumBytes_ + kPadding));
+void CTapField::initTapField(std::int64_t length) {
+  assert(length >= 1);
+  lLength_ = length;
+  lStartChar_ = 0;
+  const std::int64_t bytes = bytesOf(length);
+  if (bytes <= capacity_) {
+    std::memset(pData_.get(), 0, static_cast<std::size_t>(bytes + kPadding));
     return;
   }
   // Old storage goes first, so that both never exist together. calloc gives
   // large storage as untouched zero pages, so a field costs what is written.
   pData_.reset();
   capacity_ = 0;
-  const long wanted = std::max(lNumBytes_, kSmall);
-  pData_.reset(
-      static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(wanted + kPadding), 1)));
-  report.nullPtrChk(pData_ != nullptr, "pData NULL");
+  const std::int64_t wanted = std::max(bytes, kSmall);
+  constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max());
+  if (static_cast<std::uint64_t>(wanted) > kMost - kPadding) throw std::bad_alloc();
+  const auto size = static_cast<std::size_t>(wanted + kPadding);
+  pData_.reset(static_cast<unsigned char*>(std::calloc(size, 1)));
+  if (pData_ == nullptr) throw std::bad_alloc();
   capacity_ = wanted;
-  preferLargePages(pData_.get(), static_cast<std::size_t>(wanted));
+  preferLargePages(pData_.get(), size);
 }
 
-int CTapField::physicalDigit(long index) const {
+unsigned CTapField::physicalDigit(std::int64_t index) const {
+  assert(index >= 0 && index < lNumChars());
   const unsigned byte = pData_.get()[index / 2];
-  return static_cast<int>(index % 2 != 0 ? byte >> 4 : byte & 15U);
+  return index % 2 != 0 ? byte >> 4 : byte & 15U;
 }
 
-int CTapField::getTapDataChar(long index) const {
-  const long rotated = index + lStartChar_;
-  return physicalDigit(rotated >= lNumChars_ ? rotated - lNumChars_ : rotated);
+unsigned CTapField::getTapDataChar(std::int64_t index) const {
+  const std::int64_t toWrap = lNumChars() - lStartChar_;
+  return physicalDigit(index >= toWrap ? index - toWrap : index + lStartChar_);
 }
 
-void CTapField::putDigit(long index, unsigned value) {
+void CTapField::putDigit(std::int64_t index, unsigned value) {
+  assert(index >= 0 && index < lNumChars() && value < 16);
   unsigned char& byte = pData_.get()[index / 2];
   byte = static_cast<unsigned char>(index % 2 != 0 ? (byte & 0x0fU) | (value << 4)
                                                    : (byte & 0xf0U) | value);
 }
 
-void CTapField::setTapDataChar(long index, unsigned value) {
+void CTapField::setTapDataChar(std::int64_t index, unsigned value) {
   putDigit(index, value);
   lStartChar_ = index;
 }
 
-void CTapField::reverse(long from, long to) {
+void CTapField::reverse(std::int64_t from, std::int64_t to) {
   while (from < --to) {
-    const auto low = static_cast<unsigned>(physicalDigit(from));
-    putDigit(from, static_cast<unsigned>(physicalDigit(to)));
+    const unsigned low = physicalDigit(from);
+    putDigit(from, physicalDigit(to));
     putDigit(to, low);
     ++from;
   }
@@ -75,8 +67,8 @@ void CTapField::normalise() {
   if (lStartChar_ == 0) return;
   // Turned by three reversals: no second row is needed, however long it is.
   reverse(0, lStartChar_);
-  reverse(lStartChar_, lNumChars_);
-  reverse(0, lNumChars_);
+  reverse(lStartChar_, lNumChars());
+  reverse(0, lNumChars());
   lStartChar_ = 0;
 }
 

@@ -1,46 +1,66 @@
 #ifndef TAPFORGE_SCAN_TAP_OBJ_H
 #define TAPFORGE_SCAN_TAP_OBJ_H
 
-#include <vector>
-
+#include "scan/composite.h"
 #include "scan/tap_pattern.h"
+#include "svf/clock_statements.h"
+#include "svf/keyword.h"
+#include "svf/pio.h"
 #include "svf/tap_state.h"
 
 namespace tapforge {
 
-/// How a pin of the parallel port is used, in PIOMAP's words.
-enum class PinDirection { in, out, inout };
-
-enum class TrstMode { none, on, off, z, absent };
-
-/// The three patterns that make up the scans of one register.
-struct RegisterPatterns {
-  CTapPattern head;   // HIR or HDR: the bits shifted first
-  CTapPattern data;   // SIR or SDR
-  CTapPattern trail;  // TIR or TDR: the bits shifted last
-};
-
-/// What SVF statements leave standing for the ones after them.
+/// What SVF statements leave standing for the ones after them, in one run.
 struct CTapObj {
-  TapState iRunState = TapState::idle;
-  TapState iRunEndState = TapState::idle;
+  TapState iRunState = TapState::idle;     // in which RUNTEST waits
+  TapState iRunEndState = TapState::idle;  // after a RUNTEST
   TapState iEndDrState = TapState::idle;
   TapState iEndIrState = TapState::idle;
-  TapState iCurState = TapState::reset;  // kept by mode 1 only
 
-  // 32-bit floats by design; -1 means not given.
-  float fTckFreq = -1.0F;   // Hz
-  float fRunCount = -1.0F;  // TCKs
-  float fMinTime = -1.0F;   // seconds
-  float fMaxTime = -1.0F;   // seconds
+  float fTckFreq = -1.0F;  // Hz, a 32-bit float by design; -1 means not given
 
   TrstMode iTrstMode = TrstMode::none;
   /// A scan or a RUNTEST has been met, so TRST ABSENT comes too late.
   bool iSvfTrstRule = false;
 
-  std::vector<PinDirection> pPioMap;  // in the order of the PIO characters
-  RegisterPatterns instruction;
-  RegisterPatterns data;
+  PioMap pPioMap;
+
+  CTapPattern pHeadData;    // HDR
+  CTapPattern pTrailData;   // TDR
+  CTapPattern pHeadInstr;   // HIR
+  CTapPattern pTrailInstr;  // TIR
+  CTapPattern pTapData;     // SDR
+  CTapPattern pTapInstr;    // SIR
+
+  RegisterScan dataScan{pHeadData, pTapData, pTrailData};
+  RegisterScan instructionScan{pHeadInstr, pTapInstr, pTrailInstr};
+
+  CTapObj() = default;
+  CTapObj(const CTapObj&) = delete;
+  CTapObj& operator=(const CTapObj&) = delete;
+
+  RegisterScan& scanOf(ScanRegister which) {
+    return which == ScanRegister::data ? dataScan : instructionScan;
+  }
+
+  /// The pattern that a scan, header or trailer statement is about.
+  CTapPattern& patternOf(Keyword keyword) {
+    switch (keyword) {
+      case Keyword::hdr:
+        return pHeadData;
+      case Keyword::tdr:
+        return pTrailData;
+      case Keyword::hir:
+        return pHeadInstr;
+      case Keyword::tir:
+        return pTrailInstr;
+      case Keyword::sdr:
+        return pTapData;
+      default:
+        assert(keyword == Keyword::sir);
+        return pTapInstr;
+    }
+  }
 };
 
 }  // namespace tapforge

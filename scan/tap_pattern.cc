@@ -2,15 +2,15 @@
 
 namespace tapforge {
 
-bool CTapPattern::setPattern(const ScanData& data) {
-  if (data.lLength != lLength_) {
-    if (data.lLength != 0 && !data.given.has(ScanValue::tdi)) return false;
-    lLength_ = data.lLength;
-    inForce_ = data.given;
+bool CTapPattern::setPattern(std::int64_t length, ScanValues given) {
+  if (length != lLength_) {
+    if (length != 0 && !given.has(ScanValue::tdi)) return false;
+    lLength_ = length;
+    inForce_ = given;
   } else {
     // Expected values never carry over.
     inForce_.remove(ScanValue::tdo);
-    inForce_.add(data.given);
+    inForce_.add(given);
   }
   if (held_ != inForce_) freeUnused();
   return true;
@@ -19,8 +19,7 @@ bool CTapPattern::setPattern(const ScanData& data) {
 // Storage of values that are no longer in force; a little is kept for the next
 // statement.
 void CTapPattern::freeUnused() {
-  for (const ScanValue value :
-       {ScanValue::tdi, ScanValue::tdo, ScanValue::mask, ScanValue::smask}) {
+  for (const ScanValue value : kScanValues) {
     if (!inForce_.has(value)) fields_[static_cast<std::size_t>(value)].freeLarge();
   }
   held_ = inForce_;

@@ -3,16 +3,19 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "scan/tap_field.h"
 
 namespace tapforge {
 
-/// The four values of a scan: bits shifted in, bits expected out, which of
-/// these are compared, which of those shifted in matter.
-enum class ScanValue : unsigned char { tdi, tdo, mask, smask };
+/// The values of a scan: bits shifted in, bits expected out, which of these are
+/// compared, which of those shifted in matter.
+enum class ScanValue : std::uint8_t { tdi, tdo, mask, smask };
+inline constexpr std::array kScanValues = {ScanValue::tdi, ScanValue::tdo, ScanValue::mask,
+                                           ScanValue::smask};
 
-/// A set of the four values.
+/// A set of the values.
 class ScanValues {
  public:
   bool has(ScanValue value) const { return (bits_ & bitOf(value)) != 0; }
@@ -26,29 +29,28 @@ class ScanValues {
   unsigned bits_ = 0;
 };
 
-/// What one scan statement gives: its length in bits and some of the values,
-/// whose bits are in the pattern's storage already.
-struct ScanData {
-  long lLength = 0;
-  ScanValues given;
-};
-
 /// The values in force for one kind of scan (SIR, SDR, HIR, HDR, TIR or TDR),
 /// with SVF's rules for what carries over from statement to statement.
 class CTapPattern {
  public:
-  /// Puts in force what a statement gives. While the length stays the same TDI,
-  /// MASK and SMASK stand until given again and TDO must be given each time; a
-  /// new length drops all of them and must come with a TDI. Length 0 clears.
-  /// False when TDI is missing: the pattern is then of no more use, since the
-  /// values given are stored and those before are lost.
-  [[nodiscard]] bool setPattern(const ScanData& data);
+  /// Puts in force what a statement gives: its length in bits, and values whose
+  /// bits are in storage() already. While the length stays the same TDI, MASK
+  /// and SMASK stay until given again and TDO must be given each time; a new
+  /// length drops all of them and must come with a TDI. Length 0 clears.
+  /// False when TDI is missing. The pattern must not be used afterwards: its
+  /// storage already holds the new values.
+  [[nodiscard]] bool setPattern(std::int64_t length, ScanValues given);
 
-  long length() const { return lLength_; }  // bits
-  /// Null when the value is not in force.
+  std::int64_t lLength() const { return lLength_; }  // bits
+
+  /// A value, or null when it is not in force.
   const CTapField* operator[](ScanValue value) const {
     return inForce_.has(value) ? &fields_[static_cast<std::size_t>(value)] : nullptr;
   }
+  const CTapField* pTdi() const { return (*this)[ScanValue::tdi]; }
+  const CTapField* pTdo() const { return (*this)[ScanValue::tdo]; }
+  const CTapField* pMask() const { return (*this)[ScanValue::mask]; }
+  const CTapField* pSmask() const { return (*this)[ScanValue::smask]; }
 
   /// Where the statement being read puts a value that it gives anew. There is
   /// one storage for the old and the new one, so both never exist together;
@@ -61,10 +63,10 @@ class CTapPattern {
  private:
   void freeUnused();
 
-  long lLength_ = 0;
+  std::int64_t lLength_ = 0;
   ScanValues inForce_;
-  ScanValues held_;  // fields that may hold more than a little storage
-  std::array<CTapField, 4> fields_;
+  ScanValues held_;  // values whose storage may be larger than CTapField::kSmall
+  std::array<CTapField, kScanValues.size()> fields_;
 };
 
 }  // namespace tapforge

@@ -2,37 +2,38 @@
 
 #include <algorithm>
 
-#include "shell/text.h"
-#include "svf/char_class.h"
+#include "scan/scan_statement.h"
+#include "script/hex_lines.h"
+#include "shell/io/text.h"
+#include "svf/numbers.h"
 
 namespace progmode_svf2tapbus {
 
-using tapforge::cat;
-using tapforge::truncated;
-using namespace std::string_view_literals;
+using tapforge::concat;
+using tapforge::HexCase;
+using tapforge::ScanValue;
+using tapforge::StatusStyle;
+using Kind = tapforge::RunTestPart::Kind;
 
-void CommentCopier::beginComment(std::string_view text) {
-  if (vars_.iGlobOutFormat) output_.write("#-");
-  output_.write(text);
+void ScriptWriter::commentText(std::string_view piece) {
+  if (!inComment_) output_.write(words_.comment.view());
+  inComment_ = true;
+  output_.write(piece);
 }
 
-void ScriptWriter::writeStatement() {
+void ScriptWriter::commentEnd() {
+  inComment_ = false;
+  output_.put('\n');
+}
+
+void ScriptWriter::lineMarker(std::int64_t line) {
+  output_.write(concat("puts \"--- line ", line, "\"\n"));
+}
+
+void ScriptWriter::writeStatement(LineRest rest) {
   output_.write(sBufStatement_.view());
   sBufStatement_.clear();
-  writeSeparator();
-}
-
-void ScriptWriter::writeSeparator() {
-  const std::string_view rest = source_.restOfLine();
-  const auto* const next = std::find_if_not(rest.begin(), rest.end(), [](char c) {
-    return tapforge::isSpace(static_cast<unsigned char>(c));
-  });
-  if (next == rest.end()) {
-    output_.put('\n');
-    return;
-  }
-  const auto blanks = static_cast<std::size_t>(next - rest.begin());
-  output_.write(std::string(std::max<std::size_t>(blanks, 1), ' '));
+  writeSeparator(rest);
 }
 
 void ScriptWriter::writeLine() {
@@ -41,95 +42,131 @@ void ScriptWriter::writeLine() {
   sBufStatement_.clear();
 }
 
-void ScriptWriter::lineMarker(long line) { output_.write(cat("puts \"--- line ", line, "\"\n")); }
-
-void ScriptWriter::endStateStatement(ScanRegister which, TapState state) {
-  const std::string_view scan = which == ScanRegister::instruction ? "IR" : "DR";
-  const std::string name = tapforge::toUpper(tapforge::getTapStateName(state));
-  if (isTcl()) {
-    sBufStatement_ = cat("set_property ENDSTATE_", scan, " {", name, "} $current_tapbus");
-  } else {
-    sBufStatement_ = cat("END", scan, " ", name, " ;");
-  }
-  writeStatement();
+void ScriptWriter::writeBlanks(std::size_t count) {
+  output_.write(std::string(std::max<std::size_t>(count, 1), ' '));
 }
-
-void ScriptWriter::beginState() { sBufStatement_ = isTcl() ? "run_state_tapbus" : "STATE"; }
 
 void ScriptWriter::pathState(std::string_view asWritten) {
   sBufStatement_ += ' ';
   sBufStatement_ += asWritten;
 }
 
-void ScriptWriter::endOfState() {
-  if (!isTcl()) sBufStatement_ += " ;";
-  writeStatement();
-}
-
 void ScriptWriter::frequency(float hertz) {
-  sBufStatement_ = isTcl() ? "# FREQUENCY" : "FREQUENCY";
-  if (hertz > 0) sBufStatement_ += cat(" ", truncated(hertz), " Hz");
+  sBufStatement_ = words_.remark;
+  sBufStatement_ += "FREQUENCY";
+  if (hertz > 0) sBufStatement_ += concat(" ", tapforge::truncated(hertz), " Hz");
   sBufStatement_ += " ;";
-  writeStatement();
 }
 
-void ScriptWriter::beginTrst(std::string_view modeAsWritten) {
-  sBufStatement_ = cat(isTcl() ? "# TRST " : "TRST ", modeAsWritten, " ;");
+void ScriptWriter::trst(std::string_view modeAsWritten) {
+  sBufStatement_ = words_.remark;
+  sBufStatement_ += concat("TRST ", modeAsWritten, " ;");
 }
 
-void ScriptWriter::beginRunTest() { sBufStatement_ = isTcl() ? "runtest_tapbus"sv : "RUNTEST"sv; }
-
-void ScriptWriter::runState(std::string_view name) {
-  sBufStatement_ += isTcl() ? " -wait " : " ";
-  sBufStatement_ += name;
+void ScriptWriter::runTestPart(const tapforge::RunTestPart& part) {
+  switch (part.kind) {
+    case Kind::runState:
+    case Kind::endState:
+      sBufStatement_ += part.kind == Kind::runState ? words_.runState : words_.endState;
+      sBufStatement_ += tapforge::getTapStateName(part.state);
+      break;
+    case Kind::count:
+      runCount(tapforge::truncated(part.number.asFloat()), part.asWritten);
+      break;
+    case Kind::minTime:
+      minTime(part.number.asFloat());
+      break;
+    case Kind::maxTime:
+      maxTime(part.number.asFloat());
+      break;
+    case Kind::time:
+      assert(false);  // times stay times in mode 0
+  }
 }
 
-void ScriptWriter::runCount(long count, std::string_view unit) {
-  if (isTcl()) {
-    splitWait(count);
+void ScriptWriter::doDataShift(Keyword keyword, CTapObj& tap, LineRest rest) {
+  if (shiftsData(keyword)) {
+    writeScan(keyword, tap.scanOf(registerOf(keyword)), rest);
+    return;
+  }
+  constexpr std::string_view kNote = "!==* Header/Trailer info combined with SIR/SDR\n!";
+  writeHeaderTrailer(nameOf(keyword), tap.patternOf(keyword), vars_.iSvfSyntaxCheck ? "" : kNote,
+                     rest);
+}
+
+void ScriptWriter::writeScan(Keyword keyword, RegisterScan& scan, LineRest rest) {
+  const std::int64_t length =
+      vars_.iSvfSyntaxCheck ? scan.data().lLength() : tapforge::compositeLength(scan, report_);
+  // A whole scan of short values goes into one stretch of the output.
+  char* out = output_.reserve(kScanText);
+  out = words_.scan[keyword == Keyword::sdr ? 1 : 0].copyTo(out);
+  *out++ = ' ';
+  out = putDecimal(out, length);
+  if (vars_.iSvfSyntaxCheck) {
+    output_.advance(out);
+    printDataAndMask({}, scan.data(), !vars_.iSkipTdoTest);
+    out = output_.reserve(kScanText);
   } else {
-    sBufStatement_ += ' ';
-    sBufStatement_.appendDecimal(count);
-    sBufStatement_ += ' ';
-    sBufStatement_ += unit;
+    out = combineHeaderDataTrailer(out, scan, length);
   }
+  output_.advance(words_.scanEnd.copyTo(out));
+  writeSeparator(rest);
+  if (vars_.iInsertWait > 0) output_.write(concat("RUNTEST ", vars_.iInsertWait, " TCK;\n"));
 }
 
-void ScriptWriter::minTime(float seconds) {
-  if (isTcl()) {
-    splitWait(truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
-  } else {
-    sBufStatement_ += cat(" ", tapforge::shortExponent(seconds), " sec");
+char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan,
+                                             std::int64_t length) {
+  constexpr ShortText kTdi = "\n    TDI (";
+  constexpr ShortText kSmask = ")\n  SMASK (";
+  constexpr ShortText kTdo = ")\n    TDO (";
+  constexpr ShortText kMask = ")\n   MASK (";
+  out = consolidateData(kTdi.copyTo(out), scan, ScanValue::tdi, length);
+  if (scan.data().pSmask() != nullptr) {
+    out = consolidateData(kSmask.copyTo(out), scan, ScanValue::smask, length);
   }
-}
-
-void ScriptWriter::maxTime(float seconds) {
-  if (isTcl()) report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
-  sBufStatement_ += cat(" MAXIMUM ", tapforge::shortExponent(seconds), " sec");
-}
-
-void ScriptWriter::endState(std::string_view name) {
-  sBufStatement_ += isTcl() ? " -end_state " : " ENDSTATE ";
-  sBufStatement_ += name;
-}
-
-void ScriptWriter::endOfRunTest() {
-  if (!isTcl()) sBufStatement_ += " ;";
-  writeStatement();
-}
-
-// A console command waits at most so many clocks: all but the last command of
-// a longer wait go out at once, and what the statement adds joins the last.
-void ScriptWriter::splitWait(long clocks) {
-  const long most = vars_.lGlobOptMaxRtiTck;
-  while (clocks > most) {
-    sBufStatement_ += cat(" -tck ", most);
-    writeLine();
-    sBufStatement_ = "runtest_tapbus";
-    clocks -= most;
+  if (!vars_.iSkipTdoTest && scan.data().pTdo() != nullptr) {
+    out = consolidateData(kTdo.copyTo(out), scan, ScanValue::tdo, length);
+    out = consolidateData(kMask.copyTo(out), scan, ScanValue::mask, length);
   }
-  sBufStatement_ += " -tck ";
-  sBufStatement_.appendDecimal(clocks);
+  *out++ = ')';
+  return out;
+}
+
+// Writes the digits of a value to `out`, long ones in lines of their own stretches,
+// and returns where to go on.
+inline char* ScriptWriter::consolidateData(char* out, const RegisterScan& scan, ScanValue value,
+                                           std::int64_t length) {
+  const std::int64_t digits = tapforge::digitsOf(length);
+  if (length <= tapforge::kWordBits) {
+    return tapforge::putDigits(out, tapforge::ShortScan{scan.shortBits(value)}, 0, digits,
+                               HexCase::lower);
+  }
+  constexpr std::int64_t kProgressStep = 200000;  // digits
+  static_assert(kProgressStep % kDigitsPerLine == 0, "progress is shown between two lines");
+  output_.advance(out);
+  // The digits of a line after the first stand under those of the first.
+  writeHexLines(output_, CompositeScan(scan, value, length), digits, HexCase::lower, "\n         ",
+                [this](std::int64_t first) {
+                  if (first == 0 || first % kProgressStep != 0) return;
+                  report_.statusMsg(
+                      concat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
+                      StatusStyle::rewind);
+                });
+  if (digits > kProgressStep) report_.statusMsg("", StatusStyle::wipe);
+  return output_.reserve(kScanText);
+}
+
+void ScriptWriter::printDataAndMask(std::string_view keyword, const CTapPattern& pattern,
+                                    bool withTdo) {
+  if (pattern.pTdi() == nullptr) report_.nullPtrChk(false, "TDI=NULL");
+  const std::int64_t length = pattern.lLength();
+  printValue({keyword, ScanValue::tdi, *pattern.pTdi(), pattern.pSmask(), length});
+  if (!withTdo || pattern.pTdo() == nullptr) return;
+  printValue({keyword, ScanValue::tdo, *pattern.pTdo(), pattern.pMask(), length});
+  // A mask is a value of its own only beside expected bits.
+  if (pattern.pMask() != nullptr) {
+    printValue({keyword, ScanValue::mask, *pattern.pMask(), nullptr, length});
+  }
 }
 
 }  // namespace progmode_svf2tapbus

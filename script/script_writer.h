@@ -1,77 +1,163 @@
 #ifndef TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 #define TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 
+#include <memory>
+#include <string>
 #include <string_view>
 
+#include "scan/tap_obj.h"
+#include "script/script_vars.h"
 #include "script/statement_text.h"
-#include "script/vars.h"
-#include "shell/output_file.h"
-#include "svf/line_reader.h"
+#include "shell/io/output_file.h"
+#include "shell/io/reporter.h"
+#include "svf/file_channel.h"
 #include "svf/runtest.h"
-#include "svf/state_statements.h"
 
 namespace progmode_svf2tapbus {
 
+using tapforge::CompositeScan;
+using tapforge::CTapField;
+using tapforge::CTapObj;
+using tapforge::CTapPattern;
+using tapforge::Keyword;
 using tapforge::OutputFile;
+using tapforge::RegisterScan;
+using tapforge::Reporter;
 using tapforge::ScanRegister;
 using tapforge::TapState;
+using LineRest = tapforge::FileChannel::LineRest;
 
-/// Copies the comments of the source into the output, where they are met.
-class CommentCopier final : public CommentSink {
- public:
-  CommentCopier(const Vars& vars, OutputFile& output) : vars_(vars), output_(output) {}
-  void beginComment(std::string_view text) override;
-  void appendComment(std::string_view text) override { output_.write(text); }
-  void endComment() override { output_.put('\n'); }
-
- private:
-  const Vars& vars_;
-  OutputFile& output_;
+/// The words of an output form that stand in the same places in all forms.
+struct FormWords {
+  ShortText comment;  // in front of a comment of the source
+  ShortText scan[2];  // of an instruction scan and of a data scan
+  ShortText scanEnd;
+  ShortText state;   // in front of a state path
+  ShortText remark;  // in front of a statement that the form cannot express
+  ShortText runTest;
+  ShortText runState;
+  ShortText endState;  // of a RUNTEST
+  ShortText statementEnd;
 };
 
-/// Writes the statements that are not scans, as SVF or as Tcl commands.
+/// Writes the statements of mode 0. What the forms of output do alike is here: a
+/// form is a class derived from it (svf_form.cc, tcl_form.cc), which gives its
+/// words and writes what has another shape in each form.
 ///
-/// The text of a statement is gathered while the statement is read and written
-/// at its end, so that a comment inside the statement comes out in front of it.
-class ScriptWriter final : public tapforge::RunTestSink {
+/// The text of a statement that is no scan is gathered in sBufStatement while the
+/// statement is read, so that a comment met inside it comes out in front of it;
+/// writeStatement() writes it. Scans are written at once. `rest` says how a
+/// statement's source line goes on: statements that share a line of the source
+/// share one of the output, and keep their distance.
+class ScriptWriter : public tapforge::CommentSink {
  public:
-  ScriptWriter(const Vars& vars, OutputFile& output, const LineReader& source, Reporter& report)
-      : vars_(vars), output_(output), source_(source), report_(report) {}
+  ScriptWriter(const FormWords& words, const ScriptVars& vars, OutputFile& output, Reporter& report)
+      : words_(words), vars_(vars), output_(output), report_(report) {}
+  ScriptWriter(const ScriptWriter&) = delete;
+  ScriptWriter& operator=(const ScriptWriter&) = delete;
 
-  void lineMarker(long line);
-  void endStateStatement(ScanRegister which, TapState state);
-  void beginState();
+  // Comments go to the output where they are met.
+  void commentText(std::string_view piece) final;
+  void commentEnd() final;
+
+  /// A Tcl command that prints the number of a source line.
+  void lineMarker(std::int64_t line);
+
+  /// Writes one scan, header or trailer statement from the patterns as they
+  /// stand: SIR and SDR as the scan of the whole chain, or unmerged with -c;
+  /// headers and trailers as comments or properties, since their bits travel in
+  /// every merged scan.
+  void doDataShift(Keyword keyword, CTapObj& tap, LineRest rest);
+
+  // The other statements; each ends with writeStatement().
+  virtual void endStateStatement(ScanRegister which, TapState state) = 0;
+  void beginState() { sBufStatement_ = words_.state; }
   void pathState(std::string_view asWritten);
-  void endOfState();
+  void endState() { sBufStatement_ += words_.statementEnd; }
   void frequency(float hertz);
-  void beginTrst(std::string_view modeAsWritten);
-  void endOfTrst() { writeStatement(); }
+  void trst(std::string_view modeAsWritten);
+  void beginRunTest() { sBufStatement_ = words_.runTest; }
+  void runTestPart(const tapforge::RunTestPart& part);
+  void endRunTest() { sBufStatement_ += words_.statementEnd; }
 
-  void beginRunTest();
-  void runState(std::string_view name) override;
-  void runCount(long count, std::string_view unit) override;
-  void minTime(float seconds) override;
-  void maxTime(float seconds) override;
-  void endState(std::string_view name) override;
-  void endOfRunTest();
+  void writeStatement(LineRest rest);
 
-  /// Writes what has been gathered, and separates it from what follows:
-  /// statements that share a line of the source share one of the output, and
-  /// keep their distance.
-  void writeStatement();
-  void writeSeparator();
+ protected:
+  /// The parts of a RUNTEST that have another shape in each form: a count (TCKs)
+  /// with its unit as written, and times in seconds.
+  virtual void runCount(std::int64_t count, std::string_view unit) = 0;
+  virtual void minTime(float seconds) = 0;
+  virtual void maxTime(float seconds) = 0;
 
- private:
-  bool isTcl() const { return vars_.iGlobOutFormat; }
+  /// A header or trailer statement; `note` is the remark that its bits are in
+  /// the scans, or empty.
+  virtual void writeHeaderTrailer(std::string_view keyword, const CTapPattern& pattern,
+                                  std::string_view note, LineRest rest) = 0;
+
+  /// One value (TDI, TDO or MASK) of an unmerged statement: its bits without what
+  /// a mask leaves out.
+  struct Value {
+    std::string_view keyword;  // of a header or trailer statement, else empty
+    tapforge::ScanValue which;
+    const CTapField& data;
+    const CTapField* mask;
+    std::int64_t length;  // bits
+
+    /// All bits of a value of at most 64 bits.
+    tapforge::ShortScan shortBits() const {
+      return {mask != nullptr ? data.shortBits() & mask->shortBits() : data.shortBits()};
+    }
+
+    /// Calls `use` with the bits, in a form that tapforge::writeDigits() takes.
+    template <typename Use>
+    void withBits(const Use& use) const {
+      if (length <= tapforge::kWordBits) {
+        use(shortBits());
+        return;
+      }
+      const CompositeScan bits(data, length);
+      const CompositeScan kept(mask != nullptr ? *mask : data, length);
+      use([&bits, &kept](std::int64_t low) { return bits(low) & kept(low); });
+    }
+  };
+  virtual void printValue(const Value& value) = 0;
+
+  /// The values of an unmerged statement: TDI under SMASK, TDO under MASK, MASK.
+  void printDataAndMask(std::string_view keyword, const CTapPattern& pattern, bool withTdo);
+
+  /// Writes what has been gathered, and a line end.
   void writeLine();
-  void splitWait(long clocks);
+  void writeSeparator(LineRest rest) {
+    if (rest.lineEnds) {
+      output_.put('\n');
+    } else {
+      writeBlanks(rest.blanks);
+    }
+  }
 
-  const Vars& vars_;
+  // Characters that a scan takes beside its long values.
+  static constexpr std::size_t kScanText = 256;
+
+  const FormWords& words_;
+  const ScriptVars& vars_;
   OutputFile& output_;
-  const LineReader& source_;
   Reporter& report_;
   StatementText sBufStatement_;
+
+ private:
+  void writeScan(Keyword keyword, RegisterScan& scan, LineRest rest);
+  void writeBlanks(std::size_t count);
+  char* combineHeaderDataTrailer(char* out, const RegisterScan& scan, std::int64_t length);
+  char* consolidateData(char* out, const RegisterScan& scan, tapforge::ScanValue value,
+                        std::int64_t length);
+
+  bool inComment_ = false;
 };
+
+std::unique_ptr<ScriptWriter> makeSvfWriter(const ScriptVars& vars, OutputFile& output,
+                                            Reporter& report);
+std::unique_ptr<ScriptWriter> makeTclWriter(const ScriptVars& vars, OutputFile& output,
+                                            Reporter& report);
 
 }  // namespace progmode_svf2tapbus
 

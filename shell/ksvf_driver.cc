@@ -1,30 +1,32 @@
-#include "shell/driver.h"
+#include "shell/ksvf_driver.h"
+
+#include "shell/io/text.h"
 #include "shell/ksvf_options.h"
-#include "vector/dialect.h"
-#include "vector/process_svf.h"
+#include "shell/run_program.h"
+#include "vector/ksvf_loop.h"
+#include "vector/ksvf_traits.h"
 
 namespace progmode_svf2ksvf {
 
-using tapforge::cat;
-
-int main_svf2ksvf(std::span<char*> arguments) {
-  Reporter report(kDialect);
-  tapforge::Shell shell(report);
-  return tapforge::runToEnd(shell, [&] {
-    Vars vars;
-    getCmdOptions(arguments, vars, shell);
+int main_svf2ksvf(std::span<const std::string> arguments) {
+  tapforge::Reporter report(kMessageStyle);
+  tapforge::RunFiles files(report, tapforge::EmptyAnswer::takesNextLine);
+  return tapforge::runProgram(files, [&] {
+    KsvfVars vars;
+    getCmdOptions(arguments, vars, files);
     displayVersion(report);
     report.startClock();
     // The options have made sure that it may be overwritten.
-    shell.iOverWritePrompt = false;
-    shell.pFC_Output = tapforge::createFile(*shell.outputName, shell);
-    for (std::size_t i = 1; i < shell.inputs.size(); ++i) {
-      report.warning(cat("Input file [", shell.inputs[i].name, "] is not converted"),
-                     tapforge::Where::nowhere);
+    files.iOverWritePrompt = false;
+    files.makeChannel(files.pFC_Output, *files.sOutputName);
+    files.beginOutputs();
+    for (std::size_t i = 1; i < files.pFC_Input.size(); ++i) {
+      report.warning(
+          tapforge::concat("Input file [", files.pFC_Input[i].name, "] is not converted"),
+          tapforge::Where::nowhere);
     }
-    tapforge::InputFile& input = shell.inputs.front();
-    CharReader source(std::move(input.file), input.name, report);
-    return processSVF(vars, source, *shell.pFC_Output, shell.pFC_Ascii.get(), report);
+    return processSVF(vars, files.pFC_Input.front(), *files.pFC_Output, files.pFC_Ascii.get(),
+                      report);
   });
 }
 

@@ -1,150 +1,146 @@
 #include "shell/ksvf_options.h"
 
 #include <cstdio>
+#include <optional>
 #include <utility>
 
-#include "shell/driver.h"
+#include "shell/options.h"
+#include "shell/run_program.h"
 
 namespace progmode_svf2ksvf {
 namespace {
 
-using tapforge::ArgCursor;
-using tapforge::cat;
-using tapforge::Shell;
+using tapforge::concat;
+using tapforge::decimalArgument;
+using tapforge::exitUsage;
+using tapforge::fileNameArgument;
+using tapforge::OptionCall;
+using tapforge::overwriteOption;
+using tapforge::RunFiles;
+using tapforge::setFlag;
 using tapforge::StatusStyle;
-using Option = tapforge::Option<Vars>;
+using Option = tapforge::Option<KsvfVars>;
 
-// The files of one "-i" are a list; only the first is converted.
-bool takeInputs(ArgCursor& args, Vars& /*vars*/, Shell& shell) {
-  shell.inputs.clear();
-  std::optional<std::string> name = args.fileName();
-  if (!name) shell.report.fatal("missing [InputFile] filename", tapforge::Where::nowhere);
-  for (; name; name = args.fileName()) {
-    tapforge::refuseOutputAsInput(*name, shell);
-    tapforge::FilePtr file = tapforge::fileCheck(*name, tapforge::OpenMode::read, shell.report);
-    // Of the further ones only the name is kept: being readable is all they need.
-    if (!shell.inputs.empty()) file.reset();
-    shell.inputs.push_back({*name, std::move(file)});
+constexpr std::int64_t kDefaultRecord = 128;  // bits
+
+// The files of one "-i" are a list.
+bool takeInputs(const OptionCall& call, KsvfVars& /*vars*/) {
+  RunFiles& files = call.files;
+  files.pFC_Input.clear();
+  while (const std::optional<std::string> name = call.args.fileName()) files.addInput(*name);
+  if (files.pFC_Input.empty()) {
+    files.report.fatal("missing [InputFile] filename", tapforge::Where::nowhere);
   }
   return true;
 }
 
-bool takeOutput(ArgCursor& args, Vars& /*vars*/, Shell& shell) {
-  shell.outputName.reset();
-  const std::string name = tapforge::fileNameArgument(args, "OutFile", shell.report);
-  tapforge::refuseInputAsOutput(name, shell);
-  if (shell.iOverWritePrompt && tapforge::fileExists(name)) {
-    shell.report.setScreen(true);
-    shell.report.statusMsg(
+bool takeOutputName(const OptionCall& call, KsvfVars& /*vars*/) {
+  RunFiles& files = call.files;
+  files.sOutputName.reset();
+  const std::string name = fileNameArgument(call, "OutFile");
+  files.refuseInputAsOutput(name);
+  if (files.iOverWritePrompt && tapforge::fileExists(name)) {
+    files.report.setScreen(true);
+    files.report.statusMsg(
         "The specified output file exists. Please delete the existing file and then retry the "
         "operation or specify the '-w' command-line option to overwrite the file.",
         StatusStyle::ownLine);
-    throw tapforge::RunEnd{1};
+    throw tapforge::ProgramEnd{1};
   }
-  shell.outputName = name;
+  files.sOutputName = name;
   return true;
 }
 
-bool takeListing(ArgCursor& args, Vars& /*vars*/, Shell& shell) {
-  const std::string name = tapforge::fileNameArgument(args, "KsvfAscii", shell.report);
-  shell.pFC_Ascii.reset();
-  shell.pFC_Ascii = tapforge::createFile(name, shell);
+bool takeListing(const OptionCall& call, KsvfVars& /*vars*/) {
+  const std::string name = fileNameArgument(call, "KsvfAscii");
+  call.files.makeChannel(call.files.pFC_Ascii, name);
   return true;
 }
 
-bool takeRecordLength(ArgCursor& args, Vars& vars, Shell& shell) {
-  const long bits = tapforge::decimalArgument(args, "specify record length", shell.report);
-  if (bits < 64 || bits % 4 != 0) {
-    tapforge::refuseText("Record length must be >= 64 or a multiple of 4");
-  }
+bool takeRecordLength(const OptionCall& call, KsvfVars& vars) {
+  const std::int64_t bits = decimalArgument(call, "specify record length");
+  if (bits < 64 || bits % 4 != 0) exitUsage("Record length must be >= 64 or a multiple of 4");
   vars.lFpgaRecSize = bits;
   return true;
 }
 
-bool takePrintSource(ArgCursor& args, Vars& vars, Shell& shell) {
-  const long level =
-      tapforge::decimalArgument(args, "missing print/display control value", shell.report);
-  if (level < 0 || level > 3) {
-    tapforge::refuseText("Print/Display control value must be in range [0..3]");
-  }
+bool takePrintSource(const OptionCall& call, KsvfVars& vars) {
+  const std::int64_t level = decimalArgument(call, "missing print/display control value");
+  if (level < 0 || level > 3) exitUsage("Print/Display control value must be in range [0..3]");
   vars.iOptPrintSrc = level;
   return true;
 }
 
-// Options without a value, and options whose value is a plain number.
-template <bool Vars::*variable>
-constexpr bool set(ArgCursor& /*args*/, Vars& vars, Shell& /*shell*/) {
-  return vars.*variable = true;
+bool takeVersionText(const OptionCall& call, KsvfVars& vars) {
+  std::optional<std::string> text = call.args.getCmdToken();
+  if (!text) {
+    exitUsage(concat(call.files.report.style().toolName, ": specify KSVF version string"));
+  }
+  vars.g_csVerStr = *std::move(text);
+  return true;
 }
 
-// The help stands in the order of the table.
 constexpr Option kOptions[] = {
     {"i", takeInputs, ""},
-    {"o", takeOutput, ""},
-    tapforge::kLogOption<Vars>,
-    tapforge::kKeyOption<Vars>,
-    {"ksvf", [](ArgCursor&, Vars&, Shell&) { return true; }, ""},
-    {"inorder", set<&Vars::iInOrder>, ""},
+    {"o", takeOutputName, ""},
+    tapforge::kLogOption<KsvfVars>,
+    tapforge::kKeyOption<KsvfVars>,
+    // The mode switch, which has done its work.
+    {"ksvf", [](const OptionCall&, KsvfVars&) { return true; }, ""},
+    {"inorder", setFlag<&KsvfVars::iInOrder>, ""},
     {"runmin",
-     [](ArgCursor& args, Vars& vars, Shell& shell) {
-       vars.lRunMin =
-           tapforge::decimalArgument(args, "specify min RUNTEST wait time", shell.report);
+     [](const OptionCall& call, KsvfVars& vars) {
+       vars.lRunMin = decimalArgument(call, "specify min RUNTEST wait time");
        return true;
      },
      ""},
-    {"kshowallopts", set<&Vars::iOptShowAllOpts>, ""},
+    {"kshowallopts", setFlag<&KsvfVars::iOptShowAllOpts>, ""},
     {"a", takeListing, "\t-a <filename> = generate ASCII KSVF\n"},
-    tapforge::overwriteOption<Vars>("d", "\t-d = delete output file before processing\n"),
-    {"extensions", set<&Vars::iKsvfExt>,
+    overwriteOption<KsvfVars>("d", "\t-d = delete output file before processing\n"),
+    {"extensions", setFlag<&KsvfVars::iKsvfExt>,
      "\t-extensions = support ENDIR/ENDDR (turns off -minkstate)\n"},
-    {"fpga", set<&Vars::iFpgaFormat>, "\t-fpga = input file being processed is an FPGA SVF file\n"},
-    {"minkstate", set<&Vars::iOptMinKstateUsage>,
+    {"fpga", setFlag<&KsvfVars::iFpgaFormat>,
+     "\t-fpga = input file being processed is an FPGA SVF file\n"},
+    {"minkstate", setFlag<&KsvfVars::iOptMinKstateUsage>,
      "\t-minkstate = use minimum KSTATE set compatible w/ KSVF player v4.x\n"},
-    {"multiple_runtest", set<&Vars::iMultipleRunTest>,
+    {"multiple_runtest", setFlag<&KsvfVars::iMultipleRunTest>,
      "\t-multiple_runtest = input file has consecutive RUNTEST commands\n"},
-    {"nc", set<&Vars::iSvfCompress>, "\t-nc = no compression during translation\n"},
+    {"nc", setFlag<&KsvfVars::iSvfCompress>, "\t-nc = no compression during translation\n"},
     {"r",
-     [](ArgCursor& args, Vars& vars, Shell& shell) {
-       vars.lKrepeatVal =
-           tapforge::decimalArgument(args, "specify programming retry count", shell.report);
+     [](const OptionCall& call, KsvfVars& vars) {
+       vars.lKrepeatVal = decimalArgument(call, "specify programming retry count");
        return true;
      },
      "\t-r <num> = set KREPEAT value; default = 32 (0 for FPGAs/SPROMs)\n"},
     {"rlen", takeRecordLength,
      "\t-rlen <rec len> = specify record length (usually for SPROMs)\n"
      "\t   default = 128 bits (32 hex chars) per record; applies only to FPGAs\n"},
-    {"s", set<&Vars::iSkipTdoTest>, "\t-s = skip TDO tests\n"},
-    {"tck_freq",
-     [](ArgCursor& args, Vars& vars, Shell& shell) {
-       return tapforge::takeNumber(args, "tck_freq", vars.lGlobTckFreq, shell);
-     },
-     "\t-tck_freq N = specify cable frequency in TCK (e.g., N = 1000000 for 1 MHz)\n"},
-    {"useksdr", set<&Vars::iOptUseKSDR>, "\t-useKSDR = use KSDR command if SDR MASK = 0\n"},
-    {"v2", set<&Vars::iV2Compatibility>,
+    {"s", setFlag<&KsvfVars::iSkipTdoTest>, "\t-s = skip TDO tests\n"},
+    tapforge::kFrequencyOption<KsvfVars>,
+    {"useksdr", setFlag<&KsvfVars::iOptUseKSDR>, "\t-useKSDR = use KSDR command if SDR MASK = 0\n"},
+    {"v2", setFlag<&KsvfVars::iV2Compatibility>,
      "\t-v2 = generate code compatible with KSVF player v2.x\n"},
-    tapforge::overwriteOption<Vars>("w", "\t-w = overwrite output file (same as -d option)\n"),
+    overwriteOption<KsvfVars>("w", "\t-w = overwrite output file (same as -d option)\n"),
     {"kprintsrc", takePrintSource,
      "\t-kprintsrc N (where N = 0 to 3) = print source to output file\n"
      "\t\t0: do not print any source info (default)\n"
      "\t\t1: print SVF source line number\n"
      "\t\t2: print first 70 chars of SVF source line\n"
      "\t\t3: do 1 and 2\n"},
-    {"kwait", [](ArgCursor&, Vars& vars, Shell&) { return vars.giUseKwait = vars.iInOrder = true; },
-     "\t-kwait = use KWAIT command instead of KRUNTEST\n"},
-    {"ver",
-     [](ArgCursor& args, Vars& vars, Shell& shell) {
-       std::optional<std::string> text = args.value();
-       if (!text) tapforge::refuse(shell.report, "specify KSVF version string");
-       vars.g_csVerStr = *std::move(text);
+    {"kwait",
+     [](const OptionCall&, KsvfVars& vars) {
+       vars.giUseKwait = true;
+       vars.iInOrder = true;
        return true;
      },
+     "\t-kwait = use KWAIT command instead of KRUNTEST\n"},
+    {"ver", takeVersionText,
      "\n\t*** Internal options:\n"
      "\t-ver \"str\" = version string to add to top of KSVF file\n",
      true},
     {"kmaxsrclines",
-     [](ArgCursor& args, Vars& vars, Shell& shell) {
-       vars.g_lMaxLinesToCopy =
-           tapforge::decimalArgument(args, "specify max src lines to copy to KSVF", shell.report);
+     [](const OptionCall& call, KsvfVars& vars) {
+       vars.g_lMaxLinesToCopy = decimalArgument(call, "specify max src lines to copy to KSVF");
        return true;
      },
      // The rule line follows on the same line.
@@ -152,45 +148,48 @@ constexpr Option kOptions[] = {
      "\t     SVF file (use with -kprintsrc N)",
      true},
 };
+constexpr std::span<const Option> kTable = kOptions;
 
-[[noreturn]] void showUsage(const Vars& vars, Shell& shell) {
-  shell.report.setScreen(true);
-  shell.report.statusMsg("Usage: tapforge -ksvf [options] -i <input file> -o <output file>",
+[[noreturn]] void showUsage(const KsvfVars& vars, RunFiles& files) {
+  files.report.setScreen(true);
+  files.report.statusMsg("Usage: tapforge -ksvf [options] -i <input file> -o <output file>",
                          StatusStyle::line);
-  tapforge::displayProgOptions("--> options for SVF-to-KSVF conversion:",
-                               std::span<const Option>(kOptions), vars.iOptShowAllOpts);
-  throw tapforge::RunEnd{0};
+  tapforge::displayProgOptions(
+      "--> options for SVF-to-KSVF conversion:", kTable,
+      vars.iOptShowAllOpts ? tapforge::InternalOptions::shown : tapforge::InternalOptions::hidden);
+  throw tapforge::ProgramEnd{0};
 }
 
-void checkOptCombo(Vars& vars, Shell& shell) {
-  constexpr long kDefaultRecord = 128;  // bits
+// Settles what options mean together. False, with a message, if they do not go
+// together.
+bool checkOptCombo(KsvfVars& vars, RunFiles& files) {
   if (!vars.iFpgaFormat && vars.lFpgaRecSize > 0) {
-    shell.report.setScreen(true);
-    displayVersion(shell.report);
+    files.report.setScreen(true);
+    displayVersion(files.report);
     std::fputs("Use \"-fpga\" option when specifying FPGA/PROM rec length", stdout);
-    throw tapforge::RunEnd{1};
+    return false;
   }
   if (vars.lFpgaRecSize < 0) vars.lFpgaRecSize = kDefaultRecord;
   if (vars.iFpgaFormat) vars.lKrepeatVal = 0;
   if (vars.iKsvfExt) vars.iOptMinKstateUsage = false;
+  return true;
 }
 
 }  // namespace
 
 void displayVersion(tapforge::Reporter& report) {
   report.statusMsg(
-      cat("svf2ksvf Version 5.05 ", tapforge::kCopyright, "\nOndrel SVF-to-KSVF Writer"),
+      concat("svf2ksvf Version 5.05 ", tapforge::kCopyright, "\nOndrel SVF-to-KSVF Writer"),
       StatusStyle::line);
 }
 
-void getCmdOptions(std::span<char*> arguments, Vars& vars, Shell& shell) {
-  ArgCursor args(arguments);
-  std::string unknown;
-  if (!tapforge::walkOptions(args, std::span<const Option>(kOptions), vars, shell, unknown)) {
-    tapforge::refuse(shell.report, cat("unknown option [", unknown, "]\n"));
+void getCmdOptions(std::span<const std::string> arguments, KsvfVars& vars, RunFiles& files) {
+  tapforge::ArgCursor args(arguments);
+  if (const auto unknown = tapforge::walkOptions(args, kTable, vars, files)) {
+    exitUsage(concat(files.report.style().toolName, ": unknown option [", *unknown, "]\n"));
   }
-  if (shell.inputs.empty() || !shell.outputName || !args.atEnd()) showUsage(vars, shell);
-  checkOptCombo(vars, shell);
+  if (files.pFC_Input.empty() || !files.sOutputName || !args.atEnd()) showUsage(vars, files);
+  if (!checkOptCombo(vars, files)) throw tapforge::ProgramEnd{1};
 }
 
 }  // namespace progmode_svf2ksvf

@@ -1,10 +1,10 @@
+#include "shell/locale_report.h"
+
 #include <array>
 #include <clocale>
 #include <cstdio>
 #include <ctime>
 #include <string>
-
-#include "shell/prog_mode.h"
 
 namespace {
 

@@ -1,45 +1,33 @@
-#include <csignal>
 #include <cstdio>
-#include <span>
+#include <string>
+#include <vector>
 
 #include "shell/build_date.h"
-#include "shell/driver.h"
+#include "shell/io/system.h"
+#include "shell/io/text.h"
+#include "shell/ksvf_driver.h"
 #include "shell/prog_mode.h"
+#include "shell/run_program.h"
+#include "shell/script_driver.h"
 
 namespace {
 
 void printBanner() {
-  std::printf(
+  const std::string banner = tapforge::concat(
       "\n****** Ondrel SVF utility v2015.1\n"
-      "  **** Build date : %s-%s\n"
-      "    ** %.*s\n\n\n",
-      kBuildDate, kBuildTime, static_cast<int>(tapforge::kCopyright.size()),
-      tapforge::kCopyright.data());
-}
-
-// A file opened while a standard stream is closed would take its place, and
-// messages would end up in it.
-bool holdStandardStreams() {
-  for (;;) {
-    std::FILE* file = std::fopen("/dev/null", "r+");
-    if (file == nullptr) return false;
-    if (fileno(file) > 2) {
-      std::fclose(file);
-      return true;
-    }
-  }
+      "  **** Build date : ",
+      kBuildDate, "-", kBuildTime, "\n    ** ", tapforge::kCopyright, "\n\n\n");
+  std::fwrite(banner.data(), 1, banner.size(), stdout);
+  // Before an output that leads to the same pipe or terminal.
+  std::fflush(stdout);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A closed pipe and a file that may grow no more are write errors like any
-  // other, with their message.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
-  if (!holdStandardStreams()) return 1;
+  if (!tapforge::prepareProcess()) return 1;
   printBanner();
-  const std::span<char*> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  const std::vector<std::string> arguments = tapforge::commandLine(argc, argv);
   const ProgMode mode = getProgMode(arguments);
   int status = mode == ProgMode::svf2ksvf ? progmode_svf2ksvf::main_svf2ksvf(arguments)
                                           : progmode_svf2tapbus::main_svf2tapbus(arguments);

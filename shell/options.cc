@@ -1,124 +1,90 @@
 #include "shell/options.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
 namespace tapforge {
+namespace {
 
-const std::string_view kRuleLine =
-    "\t===========================================================================";
+void setOptionKeys(std::int64_t lOptionKey, Reporter& report) {
+  if (lOptionKey % 2 != 0) report.setScreen(true);
+}
 
-std::optional<std::string> ArgCursor::value() {
+}  // namespace
+
+std::optional<std::string> ArgCursor::getCmdToken() {
   if (atEnd()) return std::nullopt;
   return arguments_[next_++];
 }
 
 std::optional<std::string> ArgCursor::option() {
-  if (atEnd() || arguments_[next_][0] != '-') return std::nullopt;
-  std::string name = arguments_[next_++] + 1;
-  for (char& c : name) c = toLower(c);
+  if (atEnd() || !nextIsOption()) return std::nullopt;
+  std::string name = arguments_[next_++].substr(1);
+  std::transform(name.begin(), name.end(), name.begin(), toLower);
   return name;
 }
 
 std::optional<std::string> ArgCursor::fileName() {
-  if (atEnd() || arguments_[next_][0] == '-') return std::nullopt;
+  if (atEnd() || nextIsOption()) return std::nullopt;
   return arguments_[next_++];
 }
 
-void refuse(const Reporter& report, std::string_view text) {
-  refuseText(cat(report.dialect().toolName, ": ", text));
-}
-
-void refuseText(std::string_view text) {
-  std::fflush(stdout);
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  throw RunEnd{1};
-}
-
-void warnInvalidNumber(std::string_view value, std::string_view option, Reporter& report) {
-  const std::string_view word = option == "linenum" ? "" : " option";
-  report.warning(cat("invalid decimal number [", value, "] for -", option, word, "\n"),
-                 Where::nowhere);
-}
-
-std::optional<int> numberValue(ArgCursor& args, std::string_view option, Reporter& report) {
-  const std::optional<std::string> text = args.value();
-  if (!text) {
-    report.warning(cat("expected a decimal number for \"-", option, "\"\n"), Where::nowhere);
-    return std::nullopt;
-  }
-  char* end = nullptr;
-  const unsigned long number = std::strtoul(text->c_str(), &end, 0);
-  if (end == text->c_str() || *end != '\0') {
-    warnInvalidNumber(*text, option, report);
-    return std::nullopt;
-  }
-  return static_cast<int>(static_cast<unsigned>(number));
-}
-
-bool takeNumber(ArgCursor& args, std::string_view option, long& variable, Shell& shell) {
-  const std::optional<int> number = numberValue(args, option, shell.report);
-  if (number) variable = *number;
-  return number.has_value();
-}
-
-long decimalArgument(ArgCursor& args, std::string_view missing, const Reporter& report) {
-  const std::optional<std::string> text = args.value();
-  if (!text) refuse(report, missing);
-  return std::strtol(text->c_str(), nullptr, 10);
-}
-
-std::string fileNameArgument(ArgCursor& args, std::string_view what, Reporter& report) {
-  std::optional<std::string> name = args.value();
-  if (!name) report.fatal(cat("missing [", what, "] filename"), Where::nowhere);
+std::string fileNameArgument(const OptionCall& call, std::string_view what) {
+  std::optional<std::string> name = call.args.getCmdToken();
+  if (!name) call.files.report.fatal(concat("missing [", what, "] filename"), Where::nowhere);
   return *std::move(name);
 }
 
-void refuseInputAsOutput(const std::string& name, const Shell& shell) {
-  for (std::size_t i = 0; i < shell.inputs.size(); ++i) {
-    const std::string& input = shell.inputs[i].name;
-    if ((i == 0 && input == name) || sameRegularFile(input, name)) {
-      shell.report.fileError("Output filename same as input");
-    }
-  }
+std::int64_t decimalArgument(const OptionCall& call, std::string_view missing) {
+  const std::optional<std::string> text = call.args.getCmdToken();
+  if (!text) exitUsage(concat(call.files.report.style().toolName, ": ", missing));
+  return std::strtoll(text->c_str(), nullptr, 10);
 }
 
-void refuseOutputAsInput(const std::string& name, const Shell& shell) {
-  bool same =
-      shell.outputName && (*shell.outputName == name || sameRegularFile(*shell.outputName, name));
-  for (const OutputFile* output :
-       {shell.pFC_Output.get(), shell.pFC_Ascii.get(), shell.pFC_Log.get()}) {
-    if (output != nullptr) same = same || sameRegularFile(output->name(), name);
+bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t& variable) {
+  Reporter& report = call.files.report;
+  const std::optional<std::string> text = call.args.getCmdToken();
+  if (!text) {
+    report.warning(concat("expected a decimal number for \"-", call.name, "\"\n"), Where::nowhere);
+    return false;
   }
-  if (same) shell.report.fileError("Input filename same as output");
+  char* end = nullptr;
+  // Saturates, so a number that is too large for it stays one.
+  const std::int64_t number = std::strtoll(text->c_str(), &end, 0);
+  if (end == text->c_str() || *end != '\0' || number < smallest || number > kLargestNumber) {
+    const std::string_view word = call.name == "linenum" ? "" : " option";
+    report.warning(concat("invalid decimal number [", *text, "] for -", call.name, word, "\n"),
+                   Where::nowhere);
+    return false;
+  }
+  variable = number;
+  return true;
 }
 
-std::unique_ptr<OutputFile> createFile(const std::string& name, Shell& shell) {
-  refuseInputAsOutput(name, shell);
-  // Two outputs into one file would overwrite each other without a word; so
-  // would an output and the messages.
-  bool taken = sameRegularFile("/dev/stdout", name) || sameRegularFile("/dev/stderr", name);
-  for (const OutputFile* other :
-       {shell.pFC_Output.get(), shell.pFC_Ascii.get(), shell.pFC_Log.get()}) {
-    taken = taken || (other != nullptr && sameRegularFile(other->name(), name));
-  }
-  if (taken) shell.report.fileError(cat("[", name, "] is already written by this run"));
-  const OpenMode mode = shell.iOverWritePrompt ? OpenMode::createAsking : OpenMode::create;
-  return std::make_unique<OutputFile>(fileCheck(name, mode, shell.report), name, shell.report);
+bool takeLogFile(const OptionCall& call) {
+  RunFiles& files = call.files;
+  files.report.setLog(nullptr);
+  files.makeChannel(files.pFC_Log, fileNameArgument(call, "LogFile"));
+  files.report.setLog(files.pFC_Log.get());
+  return true;
 }
 
-void takeLogFile(ArgCursor& args, Shell& shell) {
-  shell.report.setLog(nullptr);
-  shell.pFC_Log.reset();
-  shell.pFC_Log = createFile(fileNameArgument(args, "LogFile", shell.report), shell);
-  shell.report.setLog(shell.pFC_Log.get());
+bool takeOptionKey(const OptionCall& call) {
+  const std::int64_t lOptionKey = decimalArgument(call, "specify option key");
+  setOptionKeys(lOptionKey, call.files.report);
+  return true;
 }
 
-void takeOptionKey(ArgCursor& args, Shell& shell) {
-  if (decimalArgument(args, "specify option key", shell.report) % 2 != 0) {
-    shell.report.setScreen(true);
-  }
+bool takeOverwrite(const OptionCall& call) {
+  call.files.iOverWritePrompt = false;
+  return true;
+}
+
+void exitUsage(std::string_view text) {
+  std::fflush(stdout);
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  throw ProgramEnd{1};
 }
 
 }  // namespace tapforge

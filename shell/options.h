@@ -1,163 +1,162 @@
 #ifndef TAPFORGE_SHELL_OPTIONS_H
 #define TAPFORGE_SHELL_OPTIONS_H
 
+#include <cstdint>
 #include <cstdio>
-#include <memory>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "shell/files.h"
-#include "shell/output_file.h"
-#include "shell/reporter.h"
-#include "shell/text.h"
+#include "shell/io/text.h"
+#include "shell/run_files.h"
 
 namespace tapforge {
-
-/// An input file that was opened when the command line named it, which proves
-/// that it can be read; the conversion goes on with the same handle, so that a
-/// pipe works too.
-struct InputFile {
-  std::string name;
-  FilePtr file;
-};
-
-/// The files of a run, and what the options that both modes share set.
-struct Shell {
-  explicit Shell(Reporter& reporter) : report(reporter) {}
-
-  Reporter& report;
-  bool iOverWritePrompt = true;
-  std::vector<InputFile> inputs;
-  std::unique_ptr<OutputFile> pFC_Output;
-  std::unique_ptr<OutputFile> pFC_Ascii;
-  std::unique_ptr<OutputFile> pFC_Log;
-  // The output of mode 1 is opened only after all options.
-  std::optional<std::string> outputName;
-};
 
 /// The walk over the command line: an option at a time, with its values.
 class ArgCursor {
  public:
-  explicit ArgCursor(std::span<char*> arguments) : arguments_(arguments) {}
+  /// The arguments after the program name, which must outlive the cursor.
+  explicit ArgCursor(std::span<const std::string> arguments) : arguments_(arguments) {}
 
   /// The next argument, whatever it looks like; nothing at the end.
-  std::optional<std::string> value();
-  /// The next argument when it begins with "-", without that and in lower case.
+  std::optional<std::string> getCmdToken();
+  /// The next argument if it begins with "-", without that and in lower case.
   std::optional<std::string> option();
-  /// The next argument when it does not begin with "-".
+  /// The next argument if it does not begin with "-".
   std::optional<std::string> fileName();
-  /// The argument taken last.
-  std::string_view last() const { return arguments_[next_ - 1]; }
   bool atEnd() const { return next_ == arguments_.size(); }
 
  private:
-  std::span<char*> arguments_;
+  bool nextIsOption() const { return arguments_[next_].starts_with('-'); }
+
+  std::span<const std::string> arguments_;
   std::size_t next_ = 0;
 };
 
-/// A tab and 75 "=", the frame of an option list.
-extern const std::string_view kRuleLine;
+/// What an option works on beside the variables of its mode.
+struct OptionCall {
+  std::string_view name;  // in lower case, without "-"
+  ArgCursor& args;        // after the option, for its values
+  RunFiles& files;
+};
 
-/// Ends the run with status 1 after the text on standard error, the first form
-/// with "tool: " in front.
-[[noreturn]] void refuse(const Reporter& report, std::string_view text);
-[[noreturn]] void refuseText(std::string_view text);
-
-/// "0x" hexadecimal, "0" octal, else decimal; the whole argument, kept in 32
-/// bits. A missing or bad value is warned about and gives nothing, which makes
-/// the option an unknown one.
-std::optional<int> numberValue(ArgCursor& args, std::string_view option, Reporter& report);
-bool takeNumber(ArgCursor& args, std::string_view option, long& variable, Shell& shell);
-void warnInvalidNumber(std::string_view value, std::string_view option, Reporter& report);
-
-/// A decimal number, taken as far as it goes; a missing one ends the run with
-/// "tool: missing".
-long decimalArgument(ArgCursor& args, std::string_view missing, const Reporter& report);
-
-/// The next argument as a file name; fatal "missing [what] filename".
-std::string fileNameArgument(ArgCursor& args, std::string_view what, Reporter& report);
-
-/// Creates a file that the options name, after asking if need be. Fatal when it
-/// is one of the inputs.
-std::unique_ptr<OutputFile> createFile(const std::string& name, Shell& shell);
-
-/// Fatal when `name` is an input (by name for the first one, as a file for all).
-void refuseInputAsOutput(const std::string& name, const Shell& shell);
-/// Fatal when `name` is the output by name, or the file of any output.
-void refuseOutputAsInput(const std::string& name, const Shell& shell);
-
-/// What the options that both modes have do.
-void takeLogFile(ArgCursor& args, Shell& shell);
-void takeOptionKey(ArgCursor& args, Shell& shell);
-
-/// One option of a mode: how it is taken (false: its value is bad) and its part
-/// of the help, which may be empty.
+/// One option of a mode. `Vars` is the mode's struct of option variables.
 template <typename Vars>
 struct Option {
-  std::string_view name;
-  bool (*take)(ArgCursor& args, Vars& vars, Shell& shell);
+  std::string_view name;  // in lower case, without "-"
+  /// Takes the option with its values. Returns false if it cannot, which is
+  /// then reported as an unknown option.
+  bool (*take)(const OptionCall& call, Vars& vars);
+  /// Its lines of the help, in which the options follow the table; may be empty.
   std::string_view help;
+  /// Listed only in the help of all options.
   bool internal = false;
 };
 
-/// Takes options until the end or the first argument that is none. False when
-/// `unknown` could not be taken.
-template <typename Vars>
-bool walkOptions(ArgCursor& args, std::span<const Option<Vars>> table, Vars& vars, Shell& shell,
-                 std::string& unknown) {
-  while (const std::optional<std::string> name = args.option()) {
-    bool taken = false;
-    for (const Option<Vars>& option : table) {
-      if (option.name == *name) taken = option.take(args, vars, shell);
-    }
-    if (!taken) {
-      unknown = *name;
-      return false;
-    }
-  }
+/// The next argument as a file name; fatal "missing [what] filename".
+std::string fileNameArgument(const OptionCall& call, std::string_view what);
+
+/// A decimal number, as far as the argument is one; 0 if it begins with none.
+/// A missing one ends the run with "tool: missing".
+std::int64_t decimalArgument(const OptionCall& call, std::string_view missing);
+
+/// The range of the numbers that options take.
+constexpr std::int64_t kSmallestNumber = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t kLargestNumber = std::numeric_limits<std::int32_t>::max();
+
+/// The next argument as a whole number from `smallest` to kLargestNumber: "0x"
+/// hexadecimal, "0" octal, else decimal. Warns about a missing or bad one and
+/// returns false.
+bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t& variable);
+
+// Actions of options that only set one variable, a member of Vars.
+
+/// Has no value.
+template <auto variable, typename Vars>
+bool setFlag(const OptionCall& /*call*/, Vars& vars) {
+  vars.*variable = true;
   return true;
 }
 
-/// The entries of a mode's table for the options that both modes have.
+/// Has a value as numberArgument() reads it.
+template <auto variable, std::int64_t smallest = kSmallestNumber, typename Vars>
+bool setNumber(const OptionCall& call, Vars& vars) {
+  return numberArgument(call, smallest, vars.*variable);
+}
+
+// The options that both modes have, each with its help in one place.
+
+/// -l: opens the log and sends all later messages there too.
+bool takeLogFile(const OptionCall& call);
+/// -z: turns the screen on if the number is odd.
+bool takeOptionKey(const OptionCall& call);
+/// -d and -w, whose help is the mode's.
+bool takeOverwrite(const OptionCall& call);
+
+template <typename Vars>
+constexpr Option<Vars> kLogOption = {
+    "l", [](const OptionCall& call, Vars&) { return takeLogFile(call); }, ""};
+
+template <typename Vars>
+constexpr Option<Vars> kKeyOption = {
+    "z", [](const OptionCall& call, Vars&) { return takeOptionKey(call); }, ""};
+
 template <typename Vars>
 constexpr Option<Vars> overwriteOption(std::string_view name, std::string_view help) {
-  return {name,
-          [](ArgCursor&, Vars&, Shell& shell) {
-            shell.iOverWritePrompt = false;
-            return true;
-          },
-          help};
+  return {name, [](const OptionCall& call, Vars&) { return takeOverwrite(call); }, help};
 }
 
 template <typename Vars>
-constexpr Option<Vars> kLogOption = {"l",
-                                     [](ArgCursor& args, Vars&, Shell& shell) {
-                                       takeLogFile(args, shell);
-                                       return true;
-                                     },
-                                     ""};
+constexpr Option<Vars> kFrequencyOption = {
+    // At least 1 Hz: with less, every wait would be one of 0 clocks.
+    "tck_freq", setNumber<&Vars::lGlobTckFreq, 1>,
+    "\t-tck_freq N = specify cable frequency in TCK (e.g., N = 1000000 for 1 MHz)\n"};
 
+// The walk.
+
+/// Looks the option up in the table and takes it. Returns false if it is not
+/// there or could not be taken.
 template <typename Vars>
-constexpr Option<Vars> kKeyOption = {"z",
-                                     [](ArgCursor& args, Vars&, Shell& shell) {
-                                       takeOptionKey(args, shell);
-                                       return true;
-                                     },
-                                     ""};
+bool processProgOptions(const OptionCall& call, std::span<const Option<Vars>> table, Vars& vars) {
+  for (const Option<Vars>& option : table) {
+    if (option.name == call.name) return option.take(call, vars);
+  }
+  return false;
+}
+
+/// Takes options until the end or the first argument that is none. Returns the
+/// name of an option that could not be taken, if there was one.
+template <typename Vars>
+std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<Vars>> table,
+                                       Vars& vars, RunFiles& files) {
+  while (std::optional<std::string> name = args.option()) {
+    if (!processProgOptions({*name, args, files}, table, vars)) return name;
+  }
+  return std::nullopt;
+}
+
+/// Ends the run with status 1 after printing the text on standard error.
+[[noreturn]] void exitUsage(std::string_view text);
+
+/// The frame of an option list: a tab and 75 "=".
+inline constexpr std::string_view kRuleLine =
+    "\t===========================================================================";
+static_assert(kRuleLine.size() == 76);
+
+enum class InternalOptions { hidden, shown };
 
 /// Prints a heading and the options' help between two rule lines on standard
 /// output.
 template <typename Vars>
 void displayProgOptions(std::string_view heading, std::span<const Option<Vars>> table,
-                        bool withInternal) {
-  std::string text = cat(heading, "\n", kRuleLine, "\n");
+                        InternalOptions internal) {
+  std::string text = concat(heading, "\n", kRuleLine, "\n");
   for (const Option<Vars>& option : table) {
-    if (withInternal || !option.internal) text += option.help;
+    if (!option.internal || internal == InternalOptions::shown) text += option.help;
   }
-  text += cat(kRuleLine, "\n");
+  text += concat(kRuleLine, "\n");
   std::fwrite(text.data(), 1, text.size(), stdout);
 }
 

@@ -1,9 +1,10 @@
 #include "shell/prog_mode.h"
 
 #include <cstdio>
-#include <string_view>
 
-ProgMode getProgMode(std::span<char*> arguments) {
+#include "shell/locale_report.h"
+
+ProgMode getProgMode(std::span<const std::string> arguments) {
   ProgMode mode = ProgMode::unset;
   const auto set = [&mode](ProgMode named) {
     if (mode != ProgMode::unset) {
@@ -11,7 +12,7 @@ ProgMode getProgMode(std::span<char*> arguments) {
     }
     mode = named;
   };
-  for (const std::string_view argument : arguments) {
+  for (const std::string& argument : arguments) {
     if (argument == "-tapbus") {
       set(ProgMode::svf2tapbus);
     } else if (argument == "-ksvf") {

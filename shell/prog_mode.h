@@ -2,6 +2,7 @@
 #define TAPFORGE_SHELL_PROG_MODE_H
 
 #include <span>
+#include <string>
 
 /// What the command line asks the program to be.
 enum class ProgMode { unset = -1, svf2tapbus = 0, svf2ksvf = 1 };
@@ -9,9 +10,6 @@ enum class ProgMode { unset = -1, svf2tapbus = 0, svf2ksvf = 1 };
 /// The mode that the last "-tapbus" or "-ksvf" names; a repeated one is
 /// remarked on. "-check_locale" prints its report on the way. The switches stay
 /// in the arguments, where the mode's own options see them again.
-ProgMode getProgMode(std::span<char*> arguments);
-
-/// Prints how numbers, dates and currency look in some locales.
-void checkSysLocale();
+ProgMode getProgMode(std::span<const std::string> arguments);
 
 #endif  // TAPFORGE_SHELL_PROG_MODE_H

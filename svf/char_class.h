@@ -2,50 +2,38 @@
 #define TAPFORGE_SVF_CHAR_CLASS_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace tapforge {
 
-/// Character classes of the C locale, as bits of one table entry per byte.
-/// Bytes of 128 and above belong to none.
+/// What a character of SVF text is, in the C locale. Each character is in
+/// exactly one class; bytes of 128 and above are `other`.
+enum class CharClass : std::uint8_t { other, space, digit, wordStart, punctuation };
+
 namespace char_class {
 
-inline constexpr std::uint8_t kSpace = 1;
-inline constexpr std::uint8_t kDigit = 2;
-inline constexpr std::uint8_t kLetter = 4;  // letters and "_"
-inline constexpr std::uint8_t kPunct = 8;   // with "_"
-inline constexpr std::uint8_t kWord = kDigit | kLetter;
-
-constexpr std::array<std::uint8_t, 256> makeTable() {
-  std::array<std::uint8_t, 256> table{};
-  for (int c = '\t'; c <= '\r'; ++c) table[static_cast<std::size_t>(c)] = kSpace;
-  table[' '] = kSpace;
-  for (int c = '!'; c <= '~'; ++c) {
-    std::uint8_t& entry = table[static_cast<std::size_t>(c)];
-    if (c >= '0' && c <= '9') {
-      entry = kDigit;
-    } else if ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) {
-      entry = kLetter;
-    } else {
-      entry = kPunct;
-    }
-  }
-  table['_'] |= kLetter;
+constexpr std::array<CharClass, 256> makeTable() {
+  std::array<CharClass, 256> table{};
+  for (std::size_t c = '\t'; c <= '\r'; ++c) table[c] = CharClass::space;
+  table[' '] = CharClass::space;
+  for (std::size_t c = '!'; c <= '~'; ++c) table[c] = CharClass::punctuation;
+  for (std::size_t c = '0'; c <= '9'; ++c) table[c] = CharClass::digit;
+  for (std::size_t c = 'a'; c <= 'z'; ++c) table[c] = table[c - 'a' + 'A'] = CharClass::wordStart;
+  table['_'] = CharClass::wordStart;
   return table;
 }
 
-inline constexpr std::array<std::uint8_t, 256> kTable = makeTable();
+inline constexpr std::array<CharClass, 256> kTable = makeTable();
 
 }  // namespace char_class
 
-inline bool isIn(unsigned char c, std::uint8_t classes) {
-  return (char_class::kTable[c] & classes) != 0;
+inline CharClass classOf(unsigned char c) { return char_class::kTable[c]; }
+inline bool isSpace(unsigned char c) { return classOf(c) == CharClass::space; }
+inline bool isDigit(unsigned char c) { return classOf(c) == CharClass::digit; }
+inline bool isWordChar(unsigned char c) {
+  return classOf(c) == CharClass::digit || classOf(c) == CharClass::wordStart;
 }
-inline bool isSpace(unsigned char c) { return isIn(c, char_class::kSpace); }
-inline bool isDigit(unsigned char c) { return isIn(c, char_class::kDigit); }
-inline bool isWordChar(unsigned char c) { return isIn(c, char_class::kWord); }
-inline bool isWordStart(unsigned char c) { return isIn(c, char_class::kLetter); }
-inline bool isPunct(unsigned char c) { return isIn(c, char_class::kPunct); }
 
 }  // namespace tapforge
 

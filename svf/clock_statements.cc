@@ -1,52 +1,51 @@
 #include "svf/clock_statements.h"
 
-#include "svf/real_number.h"
+#include "svf/numbers.h"
 
 namespace tapforge {
+namespace {
 
-void readFrequency(Run& run) {
-  float& frequency = run.tap.fTckFreq;
-  if (const Number number = getFloat(run.lexer)) {
-    frequency = number.asFloat();
-    if (!(frequency > 0)) {
-      run.report.warning("Only positive real numbers allowed; TCK set to system default");
-      frequency = -1.0F;
-    }
-    run.lexer.strSearch("hz");
-  } else {
-    if (!run.lexer.is(";")) run.report.fatal("Incorrect FREQUENCY format");
-    run.lexer.unlex();
-    frequency = -1.0F;
-  }
-  run.lexer.strSearch(";");
+TrstMode modeNamed(const FileChannel& channel) {
+  if (channel.is("on")) return TrstMode::on;
+  if (channel.is("off")) return TrstMode::off;
+  if (channel.is("z")) return TrstMode::z;
+  if (channel.is("absent")) return TrstMode::absent;
+  return TrstMode::none;
 }
 
-void readTrstMode(Run& run) { run.lexer.lex(); }
+}  // namespace
 
-void finishTrst(Run& run) {
-  TrstMode mode = TrstMode::none;
-  if (run.lexer.is("on")) {
-    mode = TrstMode::on;
-  } else if (run.lexer.is("off")) {
-    mode = TrstMode::off;
-  } else if (run.lexer.is("z")) {
-    mode = TrstMode::z;
-  } else if (run.lexer.is("absent")) {
-    mode = TrstMode::absent;
-  }
-  TrstMode& inForce = run.tap.iTrstMode;
-  if (mode == TrstMode::none) {
-    run.report.warning("Unknown TRST type");
-  } else if (mode == TrstMode::absent) {
-    if (run.tap.iSvfTrstRule) {
-      run.report.warning("ABSENT must be placed before SDR/SIR/STATE/RUNTEST/PIO");
+float readFrequency(FileChannel& channel) {
+  float frequency = -1.0F;
+  if (const Number number = getFloat(channel)) {
+    frequency = number.asFloat();
+    if (!(frequency > 0)) {
+      channel.report().warning("Only positive real numbers allowed; TCK set to system default");
+      frequency = -1.0F;
     }
-    inForce = mode;
+    channel.strSearch("hz");
   } else {
-    if (inForce == TrstMode::absent) run.report.warning("No TRSTs allowed after TRST ABSENT");
-    inForce = mode;
+    if (!channel.is(";")) channel.report().fatal("Incorrect FREQUENCY format");
+    channel.unlex();
   }
-  run.lexer.strSearch(";");
+  channel.strSearch(";");
+  return frequency;
+}
+
+Trst readTrst(TrstMode inForce, bool scanSeen, FileChannel& channel) {
+  Reporter& report = channel.report();
+  channel.lex();
+  Trst trst{modeNamed(channel), std::string(channel.tokenAsWritten())};
+  if (trst.mode == TrstMode::none) {
+    report.warning("Unknown TRST type");
+    trst.mode = inForce;
+  } else if (trst.mode == TrstMode::absent) {
+    if (scanSeen) report.warning("ABSENT must be placed before SDR/SIR/STATE/RUNTEST/PIO");
+  } else if (inForce == TrstMode::absent) {
+    report.warning("No TRSTs allowed after TRST ABSENT");
+  }
+  channel.strSearch(";");
+  return trst;
 }
 
 }  // namespace tapforge

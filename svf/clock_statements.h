@@ -1,20 +1,26 @@
 #ifndef TAPFORGE_SVF_CLOCK_STATEMENTS_H
 #define TAPFORGE_SVF_CLOCK_STATEMENTS_H
 
-#include "svf/run.h"
+#include <string>
+
+#include "svf/file_channel.h"
 
 namespace tapforge {
 
-/// Reads the rest of a FREQUENCY statement and stores the frequency in Hz; a
-/// statement without one, or with one that is not above 0, stores -1.
-void readFrequency(Run& run);
+/// Reads the rest of a FREQUENCY statement: the frequency in Hz, or -1 when it
+/// has none or one that is not above 0, which is warned about.
+float readFrequency(FileChannel& channel);
 
-/// Reads the mode of a TRST statement; it is the current token, as written,
-/// until finishTrst() goes on.
-void readTrstMode(Run& run);
+enum class TrstMode { none, on, off, z, absent };
 
-/// Checks and stores the TRST mode and reads up to the ";".
-void finishTrst(Run& run);
+struct Trst {
+  TrstMode mode;          // the one in force from now on
+  std::string asWritten;  // the mode's word
+};
+
+/// Reads the rest of a TRST statement. Warns of what the rules for ABSENT do not
+/// allow after the mode in force and, with `scanSeen`, after a scan or a RUNTEST.
+Trst readTrst(TrstMode inForce, bool scanSeen, FileChannel& channel);
 
 }  // namespace tapforge
 

@@ -2,9 +2,9 @@
 
 #include <string>
 #include <unordered_set>
-#include <vector>
+#include <utility>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {
@@ -12,11 +12,11 @@ namespace {
 
 constexpr std::string_view kMapFormat = "Unknown/outdated PIOMAP data format";
 
-PinDirection directionNamed(Run& run) {
-  if (run.lexer.is("in")) return PinDirection::in;
-  if (run.lexer.is("out")) return PinDirection::out;
-  if (run.lexer.is("inout")) return PinDirection::inout;
-  run.report.fatal(kMapFormat);
+PinDirection readDirection(FileChannel& channel) {
+  if (channel.is("in")) return PinDirection::in;
+  if (channel.is("out")) return PinDirection::out;
+  if (channel.is("inout")) return PinDirection::inout;
+  channel.report().fatal(kMapFormat);
 }
 
 void checkPin(char value, PinDirection direction, Reporter& report) {
@@ -28,46 +28,47 @@ void checkPin(char value, PinDirection direction, Reporter& report) {
 
 }  // namespace
 
-void readPioMap(Run& run) {
-  std::vector<PinDirection>& map = run.tap.pPioMap;
-  map.clear();
+PioMap readPioMap(FileChannel& channel) {
+  Reporter& report = channel.report();
+  PioMap map;
   std::unordered_set<std::string> names;
-  run.lexer.strSearch("(");
-  while (!run.lexer.lexIs(")")) {
-    map.push_back(directionNamed(run));
-    run.lexer.lex();
-    const std::string_view name = run.lexer.token();
-    if (run.lexer.type() != TokenType::word) run.report.fatal(kMapFormat);
-    if (!names.emplace(name).second) {
-      run.report.warning(cat("[", name, "] already defined"), Where::nowhere);
-      run.report.fatal("Invalid PIOMAP data");
+  channel.strSearch("(");
+  while (!channel.lexIs(")")) {
+    map.push_back(readDirection(channel));
+    channel.lex();
+    if (channel.type() != TokenType::word) report.fatal(kMapFormat);
+    std::string name = channel.tokenLower();
+    const std::string message = concat("[", name, "] already defined");
+    if (!names.insert(std::move(name)).second) {
+      report.warning(message, Where::nowhere);
+      report.fatal("Invalid PIOMAP data");
     }
   }
-  run.lexer.strSearch(";");
+  channel.strSearch(";");
+  return map;
 }
 
-void readPio(Run& run) {
-  const std::vector<PinDirection>& map = run.tap.pPioMap;
+void readPio(const PioMap& map, FileChannel& channel) {
+  Reporter& report = channel.report();
   if (map.empty()) {
-    run.report.warning("No PIOMAP defined; skipping data");
-    run.lexer.skipUntil(";");
+    report.warning("No PIOMAP defined; skipping data");
+    channel.skipUntil(";");
     return;
   }
-  run.lexer.strSearch("(");
-  SourceReader& source = run.lexer.source();
+  channel.strSearch("(");
   std::size_t pin = 0;
-  for (int c = source.nextRaw(); c != ')'; c = source.nextRaw()) {
+  for (int c = channel.getFChanChar(); c != ')'; c = channel.getFChanChar()) {
     if (isSpace(static_cast<unsigned char>(c))) continue;
     const char value = toUpper(static_cast<char>(c));
     if (std::string_view("HLZUDX").find(value) == std::string_view::npos) {
-      run.report.fatal("Unexpected PIO char");
+      report.fatal("Unexpected PIO char");
     }
     if (pin == map.size()) {
-      run.report.fatal(cat("PIO char count != count in last PIOMAP (", map.size(), ")"));
+      report.fatal(concat("PIO char count != count in last PIOMAP (", map.size(), ")"));
     }
-    checkPin(value, map[pin++], run.report);
+    checkPin(value, map[pin++], report);
   }
-  run.lexer.strSearch(";");
+  channel.strSearch(";");
 }
 
 }  // namespace tapforge

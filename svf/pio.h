@@ -1,16 +1,24 @@
 #ifndef TAPFORGE_SVF_PIO_H
 #define TAPFORGE_SVF_PIO_H
 
-#include "svf/run.h"
+#include <vector>
+
+#include "svf/file_channel.h"
 
 namespace tapforge {
 
-/// Reads the rest of a PIOMAP statement; its pins replace those of the last.
-void readPioMap(Run& run);
+/// How a pin of the parallel port is used, in PIOMAP's words.
+enum class PinDirection { in, out, inout };
+
+/// The pins in the order of the PIO characters.
+using PioMap = std::vector<PinDirection>;
+
+/// Reads the rest of a PIOMAP statement.
+PioMap readPioMap(FileChannel& channel);
 
 /// Reads the rest of a PIO statement and checks each pin's value against its
-/// direction. Neither output form has parallel I/O, so the values end here.
-void readPio(Run& run);
+/// direction. No output form has parallel I/O, so the values end here.
+void readPio(const PioMap& map, FileChannel& channel);
 
 }  // namespace tapforge
 

@@ -1,119 +1,112 @@
 #include "svf/runtest.h"
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 
 namespace tapforge {
-namespace {
 
-class RunTestReader {
- public:
-  RunTestReader(Run& run, RunTestSink& sink)
-      : lexer_(run.lexer), report_(run.report), tap_(run.tap), sink_(sink) {}
+using Kind = RunTestPart::Kind;
 
-  void read() {
-    tap_.fRunCount = tap_.fMinTime = tap_.fMaxTime = -1.0F;
-    readRunState();
-    const Number number = getFloat(lexer_);
-    if (!number) report_.fatal("Unsupported RUNTEST time/count format");
-    bool statementEnded = false;
-    if (readCount(number)) {
-      if (const Number time = getFloat(lexer_)) {
-        statementEnded = readMinTime(time);
-      } else {
-        lexer_.unlex();
-      }
-    } else {
-      statementEnded = readMinTime(number);
-    }
-    if (!statementEnded) readEndState();
-    check();
+std::optional<RunTestPart> RunTestReader::next() {
+  if (step_ == Step::runState) {
+    step_ = Step::number;
+    if (const auto part = runState()) return part;
   }
-
- private:
-  void readRunState() {
-    lexer_.lex();
-    if (lexer_.type() != TokenType::word || testIsNum(lexer_.token())) {
-      lexer_.unlex();
-      return;
-    }
-    tap_.iRunState = checkTapState(StateUse::stable, "invalid run state", lexer_);
-    sink_.runState(lexer_.token());
+  if (step_ == Step::number) return firstNumber();
+  if (step_ == Step::afterCount) {
+    step_ = Step::endState;
+    if (const Number time = getFloat(channel_)) return minTime(time);
+    channel_.unlex();
   }
-
-  // Whether the number is a clock count by its unit, which is then consumed.
-  bool readCount(const Number& number) {
-    lexer_.lex();
-    const bool timesNeedFrequency = report_.dialect().timesNeedFrequency;
-    if (lexer_.is("tck") || (lexer_.is("sck") && !timesNeedFrequency)) {
-      tap_.fRunCount = number.asFloat();
-    } else if (timesNeedFrequency) {
-      tap_.fRunCount = sink_.countOfTime(number, lexer_.token());
-    } else {
-      lexer_.unlex();
-      return false;
-    }
-    sink_.runCount(truncated(tap_.fRunCount), lexer_.tokenAsWritten());
-    return true;
+  if (step_ == Step::afterMinTime) {
+    step_ = Step::endState;
+    if (const auto part = maxTime()) return part;
   }
+  if (step_ == Step::endState) return endState();
+  if (step_ == Step::semicolon) channel_.strSearch(";");
+  step_ = Step::done;
+  return std::nullopt;
+}
 
-  // The rest of a minimum time, and a maximum time after it. Whether the
-  // statement has ended.
-  bool readMinTime(const Number& time) {
-    tap_.fMinTime = time.asFloat();
-    lexer_.strSearch("sec");
-    sink_.minTime(tap_.fMinTime);
-    if (lexer_.lexIs(";")) return true;
-    if (!lexer_.is("maximum")) {
-      lexer_.unlex();
-      return false;
-    }
-    const Number maximum = getFloat(lexer_);
-    if (!maximum) report_.fatal("Invalid RUNTEST max spec");
-    tap_.fMaxTime = maximum.asFloat();
-    lexer_.strSearch("sec");
-    sink_.maxTime(tap_.fMaxTime);
-    return false;
+std::optional<RunTestPart> RunTestReader::runState() {
+  channel_.lex();
+  if (channel_.type() != TokenType::word || testIsNum(channel_.tokenAsWritten())) {
+    channel_.unlex();
+    return std::nullopt;
   }
+  const TapState state = checkTapState(StateUse::stable, "invalid run state", channel_);
+  return RunTestPart{Kind::runState, state, {}, channel_.tokenAsWritten()};
+}
 
-  void readEndState() {
-    if (lexer_.lexIs(";")) return;
-    if (!lexer_.is("endstate")) report_.fatal("Invalid RUNTEST format");
-    lexer_.lex();
-    if (lexer_.type() != TokenType::word) report_.fatal("Invalid ENDSTATE");
-    tap_.iRunEndState = checkTapState(StateUse::stable, "invalid end state", lexer_);
-    sink_.endState(lexer_.token());
-    lexer_.strSearch(";");
+RunTestPart RunTestReader::firstNumber() {
+  const Number number = getFloat(channel_);
+  if (!number) channel_.report().fatal("Unsupported RUNTEST time/count format");
+  step_ = Step::afterCount;
+  channel_.lex();
+  const bool timesBecomeCounts = channel_.rules().timesBecomeCounts;
+  if (channel_.is("tck") || (channel_.is("sck") && !timesBecomeCounts)) {
+    return {Kind::count, TapState::unknown, number, channel_.tokenAsWritten()};
   }
+  if (timesBecomeCounts) return {Kind::time, TapState::unknown, number, channel_.tokenAsWritten()};
+  channel_.unlex();
+  return minTime(number);
+}
 
-  void check() {
-    const float maximum = tap_.fMaxTime;
-    if (!(maximum >= 0)) return;
-    if (tap_.fMinTime >= maximum) {
-      report_.fatal(cat("Min time (", shortExponent(tap_.fMinTime), ") > Max time (",
+RunTestPart RunTestReader::minTime(const Number& seconds) {
+  channel_.strSearch("sec");
+  step_ = Step::afterMinTime;
+  return {Kind::minTime, TapState::unknown, seconds, channel_.tokenAsWritten()};
+}
+
+std::optional<RunTestPart> RunTestReader::maxTime() {
+  if (channel_.lexIs(";")) {
+    step_ = Step::done;
+    return std::nullopt;
+  }
+  if (!channel_.is("maximum")) {
+    channel_.unlex();
+    return std::nullopt;
+  }
+  const Number maximum = getFloat(channel_);
+  if (!maximum) channel_.report().fatal("Invalid RUNTEST max spec");
+  channel_.strSearch("sec");
+  return RunTestPart{Kind::maxTime, TapState::unknown, maximum, channel_.tokenAsWritten()};
+}
+
+std::optional<RunTestPart> RunTestReader::endState() {
+  step_ = Step::done;
+  if (channel_.lexIs(";")) return std::nullopt;
+  if (!channel_.is("endstate")) channel_.report().fatal("Invalid RUNTEST format");
+  channel_.lex();
+  if (channel_.type() != TokenType::word) channel_.report().fatal("Invalid ENDSTATE");
+  const TapState state = checkTapState(StateUse::stable, "invalid end state", channel_);
+  // The ";" is read by the next call, which has nothing else to give.
+  step_ = Step::semicolon;
+  return RunTestPart{Kind::endState, state, {}, channel_.tokenAsWritten()};
+}
+
+void RunTestNumbers::add(const RunTestPart& part) {
+  if (part.kind == Kind::count) fRunCount = part.number.asFloat();
+  if (part.kind == Kind::minTime) fMinTime = part.number.asFloat();
+  if (part.kind == Kind::maxTime) fMaxTime = part.number.asFloat();
+}
+
+void checkRunTest(const RunTestNumbers& numbers, float& frequency, Reporter& report) {
+  const float maximum = numbers.fMaxTime;
+  if (!(maximum >= 0)) return;
+  if (numbers.fMinTime >= maximum) {
+    report.fatal(concat("Min time (", shortExponent(numbers.fMinTime), ") > Max time (",
                         shortExponent(maximum), ")"));
-    }
-    if (!(tap_.fRunCount >= 0)) return;
-    if (tap_.fTckFreq < 0) {
-      report_.errHandler(Level::note, "Frequency not specified, using default TCK = 1 MHz",
-                         Where::input);
-      tap_.fTckFreq = 1.0e6F;
-    }
-    const float time = tap_.fRunCount / tap_.fTckFreq;
-    if (time > maximum) {
-      report_.fatal(cat(shortExponent(time), " (Run count ", shortExponent(tap_.fRunCount), "/",
-                        shortExponent(tap_.fTckFreq), " Hz) > max (", shortExponent(maximum),
-                        ") sec"));
-    }
   }
-
-  Lexer& lexer_;
-  Reporter& report_;
-  CTapObj& tap_;
-  RunTestSink& sink_;
-};
-
-}  // namespace
-
-void readRunTest(Run& run, RunTestSink& sink) { RunTestReader(run, sink).read(); }
+  if (!(numbers.fRunCount >= 0)) return;
+  if (frequency < 0) {
+    report.note("Frequency not specified, using default TCK = 1 MHz");
+    frequency = 1.0e6F;
+  }
+  const float time = numbers.fRunCount / frequency;
+  if (time > maximum) {
+    report.fatal(concat(shortExponent(time), " (Run count ", shortExponent(numbers.fRunCount), "/",
+                        shortExponent(frequency), " Hz) > max (", shortExponent(maximum), ") sec"));
+  }
+}
 
 }  // namespace tapforge

@@ -1,37 +1,78 @@
 #ifndef TAPFORGE_SVF_RUNTEST_H
 #define TAPFORGE_SVF_RUNTEST_H
 
+#include <cstdint>
 #include <optional>
-#include <string_view>
 
-#include "svf/real_number.h"
-#include "svf/run.h"
+#include "svf/numbers.h"
+#include "svf/state_statements.h"
 
 namespace tapforge {
 
-/// Takes the parts of a RUNTEST statement while they are read, because output
-/// and messages of a statement keep the order of its text. Texts are good for
-/// the call only.
-class RunTestSink {
- public:
-  virtual ~RunTestSink() = default;
-  /// The run state, in lower case, when the statement names one.
-  virtual void runState(std::string_view /*name*/) {}
-  /// The clock count (TCKs), with its unit as written.
-  virtual void runCount(long /*count*/, std::string_view /*unit*/) {}
-  virtual void minTime(float /*seconds*/) {}
-  virtual void maxTime(float /*seconds*/) {}
-  virtual void endState(std::string_view /*name*/) {}
-  /// The clock count that a time in this unit stands for, where the output
-  /// knows no times. Asked only when Dialect::timesNeedFrequency says so.
-  virtual float countOfTime(const Number& time, std::string_view /*unit*/) {
-    return time.asFloat();
-  }
+/// One part of a RUNTEST statement.
+struct RunTestPart {
+  enum class Kind : std::uint8_t {
+    runState,
+    count,    // TCKs, or SCKs where these are told apart
+    time,     // a number with another unit, where times become counts
+    minTime,  // seconds
+    maxTime,  // seconds
+    endState
+  };
+  Kind kind;
+  TapState state = TapState::unknown;
+  Number number{};
+  /// The state or the unit as written; good until the next part is read.
+  std::string_view asWritten{};
 };
 
-/// Reads the rest of a RUNTEST statement, up to its ";", stores its states,
-/// count and times in the tap data and checks them against each other.
-void readRunTest(Run& run, RunTestSink& sink);
+/// Reads the rest of a RUNTEST statement a part at a time. The output of a part
+/// and messages about it come before the next part is read, because output and
+/// messages of a statement keep the order of its text.
+class RunTestReader {
+ public:
+  explicit RunTestReader(FileChannel& channel) : channel_(channel) {}
+
+  /// The next part; nothing after the ";".
+  std::optional<RunTestPart> next();
+
+ private:
+  enum class Step : std::uint8_t {
+    runState,
+    number,
+    afterCount,
+    afterMinTime,
+    endState,
+    semicolon,
+    done
+  };
+
+  std::optional<RunTestPart> runState();
+  RunTestPart firstNumber();
+  RunTestPart minTime(const Number& seconds);
+  std::optional<RunTestPart> maxTime();
+  std::optional<RunTestPart> endState();
+
+  FileChannel& channel_;
+  Step step_ = Step::runState;
+};
+
+/// The numbers of one RUNTEST; -1 for what it does not give. 32-bit floats by
+/// design.
+struct RunTestNumbers {
+  float fRunCount = -1.0F;  // TCKs
+  float fMinTime = -1.0F;   // seconds
+  float fMaxTime = -1.0F;   // seconds
+
+  /// Takes over the number of a part that has one. A time that becomes a count
+  /// is the caller's to convert.
+  void add(const RunTestPart& part);
+};
+
+/// Ends the run when the maximum time does not allow the minimum time, or the
+/// count at `frequency` (Hz). A frequency that is needed and not given (below 0)
+/// becomes 1 MHz, with a note.
+void checkRunTest(const RunTestNumbers& numbers, float& frequency, Reporter& report);
 
 }  // namespace tapforge
 

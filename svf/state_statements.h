@@ -1,21 +1,53 @@
 #ifndef TAPFORGE_SVF_STATE_STATEMENTS_H
 #define TAPFORGE_SVF_STATE_STATEMENTS_H
 
-#include "svf/run.h"
+#include <optional>
+#include <string_view>
+
+#include "svf/file_channel.h"
+#include "svf/tap_state.h"
 
 namespace tapforge {
 
-/// The register that ENDIR or ENDDR is about.
-enum class ScanRegister { instruction, data };
+/// Where a state name stands in a statement decides which names are accepted.
+enum class StateUse { stable, path };
 
-/// Reads the rest of an ENDIR or ENDDR statement; stores and returns its state.
-TapState readEndState(ScanRegister which, Run& run);
+/// The state that the current token names; fatal "[name]: message" when the
+/// use does not accept it.
+TapState checkTapState(StateUse use, std::string_view message, FileChannel& channel);
 
-/// The current token as a state of a STATE path.
-TapState readPathState(Run& run);
+/// Reads the rest of an ENDIR or ENDDR statement.
+TapState readEndState(FileChannel& channel);
 
-/// A STATE path must end in a stable state, else it is fatal.
-void checkFinalState(TapState state, Run& run);
+/// One state of a STATE path.
+struct PathStep {
+  TapState state;
+  bool oneClock;               // else a stable state that is reached by its usual way
+  std::string_view asWritten;  // good until the next step is read
+};
+
+/// Reads the rest of a STATE statement, a state at a time, so that each can be
+/// written before the next one is read.
+class StatePathReader {
+ public:
+  /// `start` is the state before the statement. From `unknown` every state is one
+  /// clock away.
+  StatePathReader(TapState start, FileChannel& channel) : previous_(start), channel_(channel) {}
+
+  /// The next state; nothing after the ";", where the path must have ended in a
+  /// stable state.
+  std::optional<PathStep> next();
+
+  /// The state read last, or `start`.
+  TapState state() const { return previous_; }
+
+ private:
+  void checkFinalState();
+
+  TapState previous_;
+  bool first_ = true;
+  FileChannel& channel_;
+};
 
 }  // namespace tapforge
 

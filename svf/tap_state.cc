@@ -1,71 +1,75 @@
 #include "svf/tap_state.h"
 
+#include <array>
+#include <cassert>
 #include <cstddef>
-
-#include "shell/text.h"
 
 namespace tapforge {
 namespace {
 
-constexpr std::array<std::string_view, 16> kNames = {
-    "reset",    "idle",     "drselect",  "drcapture", "drshift", "drexit1", "drpause", "drexit2",
-    "drupdate", "irselect", "ircapture", "irshift",   "irexit1", "irpause", "irexit2", "irupdate"};
+using enum TapState;
 
-// IEEE 1149.1: the state that follows with TMS 0 and with TMS 1.
-struct Next {
+struct StateRow {
+  TapState state;
+  std::string_view name;
+  // IEEE 1149.1: the state that follows with TMS 0 and with TMS 1.
   TapState tms0;
   TapState tms1;
 };
 
-constexpr std::array<Next, 16> kNext = {{
-    {TapState::idle, TapState::reset},          // reset
-    {TapState::idle, TapState::drselect},       // idle
-    {TapState::drcapture, TapState::irselect},  // drselect
-    {TapState::drshift, TapState::drexit1},     // drcapture
-    {TapState::drshift, TapState::drexit1},     // drshift
-    {TapState::drpause, TapState::drupdate},    // drexit1
-    {TapState::drpause, TapState::drexit2},     // drpause
-    {TapState::drshift, TapState::drupdate},    // drexit2
-    {TapState::idle, TapState::drselect},       // drupdate
-    {TapState::ircapture, TapState::reset},     // irselect
-    {TapState::irshift, TapState::irexit1},     // ircapture
-    {TapState::irshift, TapState::irexit1},     // irshift
-    {TapState::irpause, TapState::irupdate},    // irexit1
-    {TapState::irpause, TapState::irexit2},     // irpause
-    {TapState::irshift, TapState::irupdate},    // irexit2
-    {TapState::idle, TapState::drselect},       // irupdate
-}};
+// The first sixteen rows by state number. Rows after them would be other names.
+constexpr std::array kStates = std::to_array<StateRow>({
+    {reset, "reset", idle, reset},
+    {idle, "idle", idle, drselect},
+    {drselect, "drselect", drcapture, irselect},
+    {drcapture, "drcapture", drshift, drexit1},
+    {drshift, "drshift", drshift, drexit1},
+    {drexit1, "drexit1", drpause, drupdate},
+    {drpause, "drpause", drpause, drexit2},
+    {drexit2, "drexit2", drshift, drupdate},
+    {drupdate, "drupdate", idle, drselect},
+    {irselect, "irselect", ircapture, reset},
+    {ircapture, "ircapture", irshift, irexit1},
+    {irshift, "irshift", irshift, irexit1},
+    {irexit1, "irexit1", irpause, irupdate},
+    {irpause, "irpause", irpause, irexit2},
+    {irexit2, "irexit2", irshift, irupdate},
+    {irupdate, "irupdate", idle, drselect},
+});
+
+constexpr bool rowsStandByNumber() {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(unknown); ++i) {
+    if (kStates[i].state != static_cast<TapState>(i)) return false;
+  }
+  return true;
+}
+static_assert(rowsStandByNumber());
+
+const StateRow& rowOf(TapState state) {
+  assert(state != unknown);
+  return kStates[static_cast<std::size_t>(state)];
+}
 
 }  // namespace
 
 std::string_view getTapStateName(TapState state) {
-  return state == TapState::unknown ? "" : kNames[static_cast<std::size_t>(state)];
+  return state == unknown ? "" : rowOf(state).name;
 }
 
 TapState tapStateNamed(std::string_view name) {
-  for (std::size_t i = 0; i < kNames.size(); ++i) {
-    if (kNames[i] == name) return static_cast<TapState>(i);
+  for (const StateRow& row : kStates) {
+    if (row.name == name) return row.state;
   }
-  return TapState::unknown;
+  return unknown;
 }
 
 bool isStable(TapState state) {
-  return state == TapState::reset || state == TapState::idle || state == TapState::drpause ||
-         state == TapState::irpause;
-}
-
-TapState checkTapState(StateUse use, std::string_view message, Lexer& lexer) {
-  const TapState state = tapStateNamed(lexer.token());
-  if (state == TapState::unknown || (use == StateUse::stable && !isStable(state))) {
-    lexer.report().fatal(cat("[", lexer.token(), "]: ", message));
-  }
-  return state;
+  return state == reset || state == idle || state == drpause || state == irpause;
 }
 
 std::optional<int> checkTapPath(TapState from, TapState to) {
-  const Next& next = kNext[static_cast<std::size_t>(from)];
-  if (to == next.tms0) return 0;
-  if (to == next.tms1) return 1;
+  if (to == rowOf(from).tms0) return 0;
+  if (to == rowOf(from).tms1) return 1;
   return std::nullopt;
 }
 

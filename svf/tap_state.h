@@ -1,11 +1,8 @@
 #ifndef TAPFORGE_SVF_TAP_STATE_H
 #define TAPFORGE_SVF_TAP_STATE_H
 
-#include <array>
 #include <optional>
 #include <string_view>
-
-#include "svf/tokens.h"
 
 namespace tapforge {
 
@@ -31,25 +28,22 @@ enum class TapState {
   unknown
 };
 
-/// The lower-case name; empty for `unknown`.
+/// The register that a scan goes through.
+enum class ScanRegister { instruction, data };
+
+/// The lower-case name of a state, as SVF has it; empty for `unknown`.
 std::string_view getTapStateName(TapState state);
 
-/// The state with this lower-case name, or `unknown`.
+/// The state with this lower-case name, or `unknown`. An alias would be one more
+/// row of the table of names.
 TapState tapStateNamed(std::string_view name);
 
 /// Whether the TAP can stay there while the clock runs: reset, idle, drpause
 /// and irpause.
 bool isStable(TapState state);
 
-/// Where a state name stands in a statement decides which names are accepted.
-enum class StateUse { stable, path };
-
-/// The state that the current token names; fatal "[name]: message" when the
-/// use does not accept it.
-TapState checkTapState(StateUse use, std::string_view message, Lexer& lexer);
-
 /// The TMS value (0 or 1) of the one clock that leads from `from` to `to`;
-/// nothing when one clock does not.
+/// nothing when one clock does not. Neither may be `unknown`.
 std::optional<int> checkTapPath(TapState from, TapState to);
 
 }  // namespace tapforge

@@ -1,186 +1,237 @@
-#include "svf/tokens.h"
-
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 
-#include "shell/text.h"
+#include "shell/io/text.h"
 #include "svf/char_class.h"
-#include "svf/word_scan.h"
+#include "svf/file_channel.h"
 
 namespace tapforge {
 namespace {
 
-// White space and punctuation end a number; "_" does not.
-bool continuesNumber(unsigned char c) { return !isSpace(c) && (!isPunct(c) || c == '_'); }
+// White space and punctuation end a number.
+bool continuesNumber(unsigned char c) {
+  return classOf(c) != CharClass::space && classOf(c) != CharClass::punctuation;
+}
+
+// By the number of characters, at most 8: the bits of a key that count.
+constexpr std::array<std::uint64_t, 9> makeKeyMasks() {
+  std::array<std::uint64_t, 9> masks{};
+  for (std::size_t size = 0; size < masks.size(); ++size) {
+    masks[size] = size < 8 ? ~(~std::uint64_t{0} << (8 * size)) : ~std::uint64_t{0};
+  }
+  return masks;
+}
+constexpr std::array<std::uint64_t, 9> kKeyMasks = makeKeyMasks();
+
+// The first eight of `size` characters in lower case, as Word::key holds them.
+// Setting bit 5 also changes "_", but no keyword has one.
+std::uint64_t keyOf(const unsigned char* start, std::size_t size) {
+  std::uint64_t key = 0;
+  std::memcpy(&key, start, sizeof key);
+  if constexpr (std::endian::native == std::endian::big) key = __builtin_bswap64(key);
+  return (key | 0x2020202020202020) & kKeyMasks[std::min<std::size_t>(size, 8)];
+}
+
+std::int64_t decimalValue(std::string_view digits) {
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return error == std::errc::result_out_of_range ? std::numeric_limits<std::int64_t>::max() : value;
+}
 
 }  // namespace
 
-// The common cases: a short word or a punctuation character, all in the window.
-bool Lexer::advance() {
-  if (iUnlex_) {
-    iUnlex_ = false;
-    return true;
+bool FileChannel::getToken() {
+  const unsigned char* p = cur_;
+  CharClass c = classOf(*p);
+  // The byte at end_ is 0, which is no white space.
+  while (c == CharClass::space) c = classOf(*++p);
+  if (c == CharClass::wordStart) return takeWord(p);
+  if (c == CharClass::digit) return getNum(p);
+  if (c == CharClass::punctuation && *p != '!' && *p != '/') {
+    return takeCharacter(p, TokenType::punctuation);
   }
-  const unsigned char* p = source_.begin();
-  const unsigned char* const end = source_.end();
-  unsigned char c = 0;
-  for (;; ++p) {
-    if (p == end) return advanceFar();
-    c = *p;
-    if (!isSpace(c)) break;
-  }
-  if (isWordChar(c)) return takeShortWord(p, end) || advanceFar();
-  if (!isPunct(c) || c == '!' || c == '/') return advanceFar();
-  source_.markToken(p);
-  source_.advanceTo(p + 1);
-  source_.setLastItem(c);
-  type_ = TokenType::punctuation;
-  sTokenLower_[0] = static_cast<char>(c);
-  size_ = 1;
+  return getOther(p);
+}
+
+inline bool FileChannel::takeWord(const unsigned char* start) {
+  const unsigned size = wordPrefix(start);
+  if (size >= 16 || start + size >= end_) return takeLong(start, TokenType::word);
+  sToken_ = start;
+  tokenSize_ = size;
+  key_ = keyOf(start, size);
+  iTokenType_ = TokenType::word;
+  cur_ = start + size;
   return true;
 }
 
-// Any case, through comments and windows, from where advance() began.
-bool Lexer::advanceFar() {
+inline bool FileChannel::getNum(const unsigned char* start) {
+  constexpr std::ptrdiff_t kNeverTooMany = 18;  // digits that 64 bits hold
+  std::uint64_t value = 0;
+  const unsigned char* p = start;
+  do {
+    value = 10 * value + (*p - std::uint64_t{'0'});
+  } while (isDigit(*++p));
+  if (p - start > kNeverTooMany || continuesNumber(*p)) return takeLong(start, TokenType::number);
+  sToken_ = start;
+  tokenSize_ = static_cast<std::size_t>(p - start);
+  key_ = 0;
+  number_ = static_cast<std::int64_t>(value);
+  iTokenType_ = TokenType::number;
+  cur_ = p;
+  return true;
+}
+
+inline bool FileChannel::takeCharacter(const unsigned char* start, TokenType type) {
+  sToken_ = start;
+  tokenSize_ = 1;
+  key_ = *start;
+  iTokenType_ = type;
+  cur_ = start + 1;
+  return true;
+}
+
+// What is rare: comments, slashes, odd characters and the end of the block.
+bool FileChannel::getOther(const unsigned char* p) {
   for (;;) {
-    const unsigned char* p = source_.begin();
-    const unsigned char* const end = source_.end();
-    while (p != end && isSpace(*p)) ++p;
-    if (blankIsItem_ && p != source_.begin()) source_.setLastItem(p[-1]);
-    if (p == end) {
-      // Each blank is an item with a column of its own; the last line shows it.
-      if (p != source_.begin()) source_.markToken(p - 1);
-      source_.advanceTo(p);
-      if (source_.atEnd()) return false;
-      source_.nextWindow();
-      if (source_.atEnd()) return false;
+    while (isSpace(*p)) ++p;
+    cur_ = p;
+    if (p == end_) {
+      if (!fill()) return endQuietly();
+      p = cur_;
       continue;
     }
-    source_.markToken(p);
-    source_.advanceTo(p);
-    if (isWordChar(*p)) {
-      if (!takeShortWord(p, end)) getLongWord(isDigit(*p));
-      return true;
+    iTokenCol_ = nullptr;
+    switch (classOf(*p)) {
+      case CharClass::wordStart:
+        return takeWord(p);
+      case CharClass::digit:
+        return getNum(p);
+      case CharClass::punctuation:
+        if (*p == '/') {
+          if (takeSlash(p)) return true;
+        } else if (*p == '!') {
+          skipComment(p);
+        } else {
+          return takeCharacter(p, TokenType::punctuation);
+        }
+        break;
+      default:
+        return takeCharacter(p, TokenType::other);
     }
-    if (getCharacter(*p)) return true;
-    if (source_.atEnd()) return false;
+    if (atEnd_) return false;
+    p = cur_;
   }
 }
 
-// The character at the start of the window is a token by itself. False when it
-// began a comment, or when the file ended before there was a token.
-bool Lexer::getCharacter(unsigned char c) {
-  source_.advanceTo(source_.begin() + 1);
-  type_ = isPunct(c) ? TokenType::punctuation : TokenType::other;
-  if (c == '!' || c == '/') {
-    int found = -1;
-    if (c == '!') {
-      source_.skipComment();
-    } else {
-      found = source_.slash();
-    }
-    if (found == -1) {
-      if (blankIsItem_) source_.setLastItem("");
+// A word or number of any length, anywhere in the block.
+bool FileChannel::takeLong(const unsigned char* start, TokenType type) {
+  const bool digitLed = isDigit(*start);
+  const std::size_t limit = digitLed ? kNumberLimit : kWordLimit;
+  cur_ = start;
+  std::size_t size = 0;
+  for (;; ++size) {
+    if (cur_ + size == end_ && !fill()) break;
+    const unsigned char c = cur_[size];
+    if (!(digitLed ? continuesNumber(c) : isWordChar(c))) break;
+    if (classOf(c) == CharClass::wordStart) type = TokenType::word;
+    if (size + 1 == limit) tooLong(digitLed);
+  }
+  sToken_ = cur_;
+  tokenSize_ = size;
+  key_ = type == TokenType::word ? keyOf(cur_, size) : 0;
+  if (type == TokenType::number) number_ = decimalValue(tokenAsWritten());
+  iTokenType_ = type;
+  cur_ += size;
+  return true;
+}
+
+// The "/" at `start`: a comment with another "/" after it, else a token or, where
+// slashes are lost, the character after it. False when there is no token.
+bool FileChannel::takeSlash(const unsigned char* start) {
+  if (start + 1 == end_) {
+    fill();
+    start = cur_;
+  }
+  const bool another = start + 1 != end_ && start[1] == '/';
+  if (!rules_.slashIsToken) {
+    if (another) {
+      skipComment(start);
       return false;
     }
-    if (source_.atEnd()) return false;
-    c = static_cast<unsigned char>(found);
-  }
-  source_.setLastItem(c);
-  sTokenLower_[0] = toLower(static_cast<char>(c));
-  size_ = 1;
-  return true;
-}
-
-// A word or a number begins at `start`. Takes it when it is short and the
-// window holds it together with the character behind it; else false, and
-// nothing has been read.
-inline bool Lexer::takeShortWord(const unsigned char* start, const unsigned char* end) {
-  // Text read 16 characters at a time, wherever the window ends.
-  const WordRun run = scanWord(start, sTokenLower_);
-  const unsigned char* const behind = start + run.size;
-  if (run.size >= SourceReader::kShortItem || behind >= end) return false;
-  // A number goes on with odd characters; the run has ended before a "_".
-  if (run.digits != 0 && !isSpace(*behind) && !isPunct(*behind)) return false;
-  type_ = run.digits == run.size ? TokenType::number : TokenType::word;
-  size_ = run.size;
-  source_.markToken(start);
-  source_.setShortItem(start, size_);
-  if (blankEndsWord_ && isSpace(*behind)) {
-    source_.advanceTo(behind + 1);
-  } else {
-    source_.peekAt(behind);
-  }
-  return true;
-}
-
-// The same for a token at the start of the window that is long, goes on behind
-// it or holds odd characters: one at a time. The text is complete before it becomes the last
-// item, which an error must still show.
-void Lexer::getLongWord(bool digitLed) {
-  const std::size_t limit = digitLed ? kNumberLimit : kWordLimit;
-  type_ = digitLed ? TokenType::number : TokenType::word;
-  char written[kWordLimit];
-  std::size_t count = 0;
-  auto c = static_cast<unsigned char>(source_.next());
-  do {
-    if (isWordStart(c)) type_ = TokenType::word;
-    written[count++] = static_cast<char>(c);
-    if (count == limit) tooLong(digitLed);
-    c = static_cast<unsigned char>(source_.next());
-  } while (!source_.atEnd() && (digitLed ? continuesNumber(c) : isWordChar(c)));
-  if (!source_.atEnd() && !(blankEndsWord_ && isSpace(c))) source_.unread();
-  source_.setLastItem({written, count});
-  std::transform(written, written + count, sTokenLower_, [](char each) { return toLower(each); });
-  size_ = count;
-}
-
-void Lexer::tooLong(bool digitLed) {
-  if (digitLed) report_.fatal(report_.dialect().numberTooLong);
-  report_.fatal(cat("token exceeds ", kWordLimit, " characters"));
-}
-
-void Lexer::tokenMissing(std::string_view keyword) {
-  const Dialect& dialect = report_.dialect();
-  report_.fatal(cat(dialect.tokenMissing[0], keyword, dialect.tokenMissing[1]));
-}
-
-long decimalValue(std::string_view digits) {
-  constexpr std::size_t kNeverTooMany = 18;
-  long value = 0;
-  if (digits.size() <= kNeverTooMany) {
-    for (const char c : digits) {
-      if (!isDigit(static_cast<unsigned char>(c))) break;
-      value = 10 * value + (c - '0');
+    if (start + 1 == end_) {
+      takeBlankItem(start);
+      cur_ = end_;
+      atEnd_ = true;
+      return false;
     }
-    return value;
+    takeCharacter(start + 1, TokenType::punctuation);
+    key_ = static_cast<unsigned char>(toLower(static_cast<char>(start[1])));
+    return true;
   }
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  return error == std::errc::result_out_of_range ? std::numeric_limits<long>::max() : value;
+  // The text of a comment is taken from one part of its line.
+  const bool partEnds = endsPart(start + 1);
+  if (another && partEnds) {
+    const auto length = static_cast<std::int64_t>(getSrcLine(offsetOf(start + 1)).size());
+    report_.rangeCheck(-1, 0, length, "skCm");
+  }
+  if (another) {
+    skipComment(start);
+    return false;
+  }
+  return takeCharacter(start, partEnds ? TokenType::cutSlash : TokenType::punctuation);
 }
 
-bool testIsNum(std::string_view text) {
-  std::size_t i = 0;
-  while (i < text.size() && isDigit(static_cast<unsigned char>(text[i]))) ++i;
-  if (i == 0) return false;
-  if (i < text.size() && toLower(text[i]) == 'e') {
-    do {
-      ++i;
-    } while (i < text.size() && isDigit(static_cast<unsigned char>(text[i])));
+// White space before `position` that is the last item read.
+void FileChannel::takeBlankItem(const unsigned char* position) {
+  const bool afterComment = tokenSize_ == 0 && sToken_ == position;
+  if (!rules_.blankIsItem || position == keptBegin_ || !isSpace(position[-1]) || afterComment) {
+    return;
   }
-  return i == text.size();
+  sToken_ = position - 1;
+  tokenSize_ = 1;
 }
 
-long lGetLong(Sign sign, Lexer& lexer) {
-  const bool negative = lexer.lexIs("-");
-  if (negative) {
-    if (sign == Sign::nonNegative) lexer.report().fatal("Expected positive number");
-    lexer.lex();
+bool FileChannel::endQuietly() {
+  takeBlankItem(end_);
+  // Where lines are shown, each blank has a column of its own; one that ended
+  // the last token has been read with it.
+  const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_;
+  if (!rules_.blankIsItem && end_ != keptBegin_ && isSpace(end_[-1]) && !endsToken) {
+    iTokenCol_ = end_ - 1;
   }
-  if (lexer.type() != TokenType::number) lexer.report().fatal("Number expected");
-  const long value = decimalValue(lexer.token());
-  return negative ? -value : value;
+  atEnd_ = true;
+  return false;
+}
+
+std::string FileChannel::tokenLower() const {
+  std::string text(tokenAsWritten());
+  std::transform(text.begin(), text.end(), text.begin(), [](char c) { return toLower(c); });
+  return text;
+}
+
+bool FileChannel::isLong(std::string_view word) const {
+  return tokenSize_ == word.size() && tokenLower() == word;
+}
+
+// The token that begins at cur_ has reached its limit. The item shown is the one
+// before it.
+void FileChannel::tooLong(bool isNumber) {
+  takeBlankItem(cur_);
+  iTokenCol_ = cur_;
+  cur_ += isNumber ? kNumberLimit : kWordLimit;
+  if (isNumber)
+    report_.fatal(concat(rules_.numberTooLong[0], kNumberLimit, rules_.numberTooLong[1]));
+  report_.fatal(concat("token exceeds ", kWordLimit, " characters"));
+}
+
+void FileChannel::tokenMissing(std::string_view word) {
+  report_.fatal(concat(rules_.tokenMissing[0], word, rules_.tokenMissing[1]));
+}
+
+void FileChannel::endOfFile() {
+  report_.fatal(rules_.endOfFile, rules_.endOfFileHasPosition ? Where::input : Where::nowhere);
 }
 
 }  // namespace tapforge

@@ -25,11 +25,11 @@ class Faults(unittest.TestCase):
         def restrict():
             if limit and not (SANITIZED and limit[0] == resource.RLIMIT_AS):
                 resource.setrlimit(limit[0], (limit[1], limit[1]))
-        streams = {"stdout": subprocess.PIPE, "stdin": subprocess.DEVNULL} | streams
-        done = subprocess.run([PROGRAM, *options], cwd=self.at, stderr=subprocess.PIPE, timeout=60,
-                              preexec_fn=restrict, **streams)
+        pipes = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "stdin": subprocess.DEVNULL}
+        done = subprocess.run([PROGRAM, *options], cwd=self.at, timeout=60, preexec_fn=restrict,
+                              **pipes | streams)
         text = (done.stdout or b"").decode("latin-1")
-        self.assertEqual(done.returncode, status, text[-500:] + done.stderr.decode("latin-1"))
+        self.assertEqual(done.returncode, status, text[-500:] + (done.stderr or b"").decode("latin-1"))
         self.assertIn(says, text)
         return text
 
@@ -63,10 +63,19 @@ class Faults(unittest.TestCase):
         self.assertEqual(subprocess.run(["sh", "-c", closed], cwd=self.at).returncode, 0)
         self.assertEqual((self.at / "closed").read_bytes(), whole)
 
+    def test_output_after_the_banner_on_one_pipe(self):
+        self.run_it("-w", "-o", "out", "-i", "in.svf", status=0)
+        text = self.run_it("-w", "-o", "/dev/stdout", "-i", "in.svf", status=0)
+        banner, _, output = text.partition("All rights reserved.\n\n\n")
+        self.assertTrue(banner.startswith("\n****** Ondrel"), text[:100])
+        self.assertEqual(output, (self.at / "out").read_text())
+
     def test_messages_and_output_in_one_file(self):
+        refusal = "[both] is already written by this run"
         with open(self.at / "both", "wb") as both:
             self.run_it("-w", "-o", "both", "-i", "in.svf", status=1, stdout=both)
-        self.assertIn("[both] is already written by this run", (self.at / "both").read_text())
+            self.assertIn(refusal, (self.at / "both").read_text())
+            self.run_it("-w", "-o", "both", "-i", "in.svf", status=1, stderr=both, says=refusal)
 
     def test_input_that_cannot_be_read(self):
         self.run_it("-w", "-o", "out", "-i", "/proc/self/mem", status=1, says="Error  : /proc/self/mem file error")

@@ -1,67 +1,68 @@
 #include "tests/support/in_memory.h"
 
+#ifdef _WIN32
+#include <io.h>
+#else
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "script/dialect.h"
-#include "script/process_svf.h"
+#include "script/script_loop.h"
+#include "script/script_traits.h"
 #include "script/script_writer.h"
-#include "shell/output_file.h"
-#include "vector/dialect.h"
-#include "vector/process_svf.h"
+#include "shell/io/output_file.h"
+#include "tests/support/fakes.h"
+#include "vector/ksvf_loop.h"
+#include "vector/ksvf_traits.h"
 
 namespace tapforge::testing {
+
 namespace {
 
-class RecordingReporter final : public Reporter {
- public:
-  explicit RecordingReporter(const Dialect& dialect) : Reporter(dialect) { setScreen(true); }
-  std::string text;
-  std::string status;
-
- private:
-  void print(std::string_view message) override { text += message; }
-  void printStatus(std::string_view line) override { status += line; }
-};
-
-/// A file in memory that goes on existing after its handle is closed.
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view text = {}) : descriptor_(memfd_create("test", 0)) {
-    if (pwrite(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
-  }
-  ~MemoryFile() { close(descriptor_); }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-
-  FilePtr open() { return FilePtr(fdopen(dup(descriptor_), "r+b")); }
-
-  std::string text() const {
-    std::string text(static_cast<std::size_t>(lseek(descriptor_, 0, SEEK_END)), '\0');
-    if (pread(descriptor_, text.data(), text.size(), 0) < 0) std::abort();
-    return text;
-  }
-
- private:
-  int descriptor_;
-};
+FilePtr newFile() {
+#ifdef _WIN32
+  // T and D: kept in memory where it can be, and gone with its last handle.
+  return FilePtr(std::fopen(_tempnam(nullptr, "tapforge"), "w+bTD"));
+#else
+  return FilePtr(fdopen(memfd_create("test", 0), "w+b"));
+#endif
+}
 
 }  // namespace
 
-Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) {
-  RecordingReporter report(progmode_svf2tapbus::kDialect);
+MemoryFile::MemoryFile(std::string_view text) : file_(newFile()) {
+  if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+}
+
+FilePtr MemoryFile::open() {
+  std::rewind(file_.get());
+  return FilePtr(fdopen(dup(fileno(file_.get())), "r+b"));
+}
+
+std::string MemoryFile::text() const {
+  std::fseek(file_.get(), 0, SEEK_END);
+  std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
+  std::rewind(file_.get());
+  if (std::fread(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+  return text;
+}
+
+const SyntaxRules& scriptRules() { return progmode_svf2tapbus::kSyntaxRules; }
+const SyntaxRules& ksvfRules() { return progmode_svf2ksvf::kSyntaxRules; }
+
+Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
+  RecordingReporter report(progmode_svf2tapbus::kMessageStyle);
   MemoryFile input(svf);
   MemoryFile output;
-  OutputFile outputFile(output.open(), "output", report);
+  OutputFile outputFile(output.open(), "output");
   Converted converted;
   try {
-    progmode_svf2tapbus::CommentCopier comments(vars, outputFile);
-    progmode_svf2tapbus::LineReader source(input.open(), "input", report, comments);
-    converted.good = processSVF(vars, source, outputFile, report);
-  } catch (const RunEnd&) {
+    InputFile inputFile{"input", input.open()};
+    converted.good = processSVF(vars, inputFile, outputFile, report);
+  } catch (const ProgramEnd&) {
   }
   outputFile.close();
   converted.output = output.text();
@@ -70,18 +71,18 @@ Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars) 
   return converted;
 }
 
-Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars) {
-  RecordingReporter report(progmode_svf2ksvf::kDialect);
+Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::KsvfVars& vars) {
+  RecordingReporter report(progmode_svf2ksvf::kMessageStyle);
   MemoryFile input(svf);
   MemoryFile output;
   MemoryFile listing;
-  OutputFile outputFile(output.open(), "output", report);
-  OutputFile listingFile(listing.open(), "listing", report);
+  OutputFile outputFile(output.open(), "output");
+  OutputFile listingFile(listing.open(), "listing");
   Converted converted;
   try {
-    progmode_svf2ksvf::CharReader source(input.open(), "input", report);
-    converted.good = processSVF(vars, source, outputFile, &listingFile, report);
-  } catch (const RunEnd&) {
+    InputFile inputFile{"input", input.open()};
+    converted.good = processSVF(vars, inputFile, outputFile, &listingFile, report);
+  } catch (const ProgramEnd&) {
   }
   outputFile.close();
   listingFile.close();

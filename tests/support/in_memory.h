@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "script/vars.h"
-#include "vector/vars.h"
+#include "script/script_vars.h"
+#include "vector/ksvf_vars.h"
 
 namespace tapforge::testing {
 
@@ -18,10 +18,11 @@ struct Converted {
   bool good = false;     // status 0
 };
 
-Converted toScript(std::string_view svf, const progmode_svf2tapbus::Vars& vars = {});
+Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars = {});
 
 /// The record length must be given, as the option check gives it.
-Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::Vars& vars = {.lFpgaRecSize = 128});
+Converted toKsvf(std::string_view svf,
+                 const progmode_svf2ksvf::KsvfVars& vars = {.lFpgaRecSize = 128});
 
 }  // namespace tapforge::testing
 

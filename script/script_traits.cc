@@ -1,0 +1,48 @@
+#include "script/script_traits.h"
+
+#include "shell/io/text.h"
+
+namespace progmode_svf2tapbus {
+namespace {
+
+// File, line and last item, the source line and, where the token begins on that
+// line, a mark under it.
+std::string positionText(const tapforge::SourcePlace& place) {
+  std::string text =
+      tapforge::concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
+                       " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
+  const auto column = static_cast<std::size_t>(place.iTokenCol);
+  if (column >= place.sSrcLine.size()) return text;
+  for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
+  return text + "^*\n";
+}
+
+}  // namespace
+
+const tapforge::MessageStyle kMessageStyle = {
+    .toolName = "svf2tapbus",
+    .startLabel = "Start ",
+    .finishLabel = "Finish",
+    .elapsedLead = "     Elapsed time (",
+    .elapsedTail = ")\t",
+    .screenRewind = "\r",
+    // A carriage return and 58 blanks.
+    .screenWipe = "\r                                                          ",
+};
+
+const tapforge::SyntaxRules kSyntaxRules = {
+    .positionText = positionText,
+    .numberTooLong = {"Beyond max number width [", "]"},
+    .tokenMissing = {"Expecting [", "]"},
+    .endOfFile = "Unexpected EOF",
+    .endOfFileHasPosition = true,
+    .lineEnds = tapforge::LineEnds::lineFeedOrReturn,
+    .linesAreCut = true,
+    .slashIsToken = true,
+    .blankIsItem = false,
+    .hexEndsWithFile = false,
+    .timesBecomeCounts = false,
+    .pathErrorNamesState = false,
+};
+
+}  // namespace progmode_svf2tapbus

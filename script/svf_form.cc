@@ -1,0 +1,88 @@
+// The SVF form of mode 0.
+
+#include "script/hex_lines.h"
+#include "script/script_writer.h"
+#include "shell/io/text.h"
+
+namespace progmode_svf2tapbus {
+namespace {
+
+using tapforge::concat;
+
+constexpr FormWords kWords = {
+    .comment = "",
+    .scan = {"SIR", "SDR"},
+    .scanEnd = " ;",
+    .state = "STATE",
+    .remark = "",
+    .runTest = "RUNTEST",
+    .runState = " ",
+    .endState = " ENDSTATE ",
+    .statementEnd = " ;",
+};
+
+class SvfWriter final : public ScriptWriter {
+ public:
+  SvfWriter(const ScriptVars& vars, OutputFile& output, Reporter& report)
+      : ScriptWriter(kWords, vars, output, report) {}
+
+  void endStateStatement(ScanRegister which, TapState state) override {
+    sBufStatement_ = which == ScanRegister::data ? "ENDDR " : "ENDIR ";
+    sBufStatement_ += tapforge::xToUpper(tapforge::getTapStateName(state));
+    sBufStatement_ += " ;";
+  }
+
+ private:
+  void runCount(std::int64_t count, std::string_view unit) override {
+    sBufStatement_ += ' ';
+    sBufStatement_.appendDecimal(count);
+    sBufStatement_ += ' ';
+    sBufStatement_ += unit;
+  }
+  void minTime(float seconds) override {
+    sBufStatement_ += concat(" ", tapforge::shortExponent(seconds), " sec");
+  }
+  void maxTime(float seconds) override {
+    sBufStatement_ += concat(" MAXIMUM ", tapforge::shortExponent(seconds), " sec");
+  }
+
+  // The note ends in "!", which makes the statement's own first line a comment;
+  // the lines of its values begin with one.
+  void writeHeaderTrailer(std::string_view keyword, const CTapPattern& pattern,
+                          std::string_view note, LineRest rest) override {
+    output_.write(note);
+    output_.write(concat(keyword, " ", pattern.lLength()));
+    if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, true);
+    output_.write(kWords.statementEnd.view());
+    writeSeparator(rest);
+  }
+
+  // Values stand in comment lines, each "(" under those of the merged scans.
+  void printValue(const Value& value) override {
+    static constexpr ShortText kLabels[] = {"\n!   TDI (", "\n!   TDO (", "\n!  MASK ("};
+    const std::int64_t digits = tapforge::digitsOf(value.length);
+    char* out = output_.reserve(kScanText);
+    out = kLabels[static_cast<std::size_t>(value.which)].copyTo(out);
+    if (value.length <= tapforge::kWordBits) {
+      out = tapforge::putDigits(out, value.shortBits(), 0, digits, tapforge::HexCase::upper);
+    } else {
+      output_.advance(out);
+      value.withBits([&](const auto& bits) {
+        writeHexLines(output_, bits, digits, tapforge::HexCase::upper, "\n!        ",
+                      [](std::int64_t) {});
+      });
+      out = output_.reserve(kScanText);
+    }
+    *out++ = ')';
+    output_.advance(out);
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<ScriptWriter> makeSvfWriter(const ScriptVars& vars, OutputFile& output,
+                                            Reporter& report) {
+  return std::make_unique<SvfWriter>(vars, output, report);
+}
+
+}  // namespace progmode_svf2tapbus

@@ -1,0 +1,7 @@
+#include "shell/io/block_size.h"
+
+namespace tapforge {
+
+std::size_t gBlockSize = std::size_t{128} * 1024;
+
+}  // namespace tapforge

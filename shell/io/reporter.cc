@@ -1,0 +1,132 @@
+#include "shell/io/reporter.h"
+
+#include <array>
+#include <cstdio>
+
+#include "shell/io/output_file.h"
+#include "shell/io/text.h"
+
+namespace tapforge {
+namespace {
+
+constexpr std::size_t kMaxMessage = 299;
+
+std::string_view prefixOf(Level level) {
+  switch (level) {
+    case Level::error:
+      return "Error  : ";
+    case Level::warning:
+      return "Warning: ";
+    case Level::note:
+      return "Note   : ";
+  }
+  return "";
+}
+
+std::string twoDigits(std::int64_t value) {
+  const std::string text = concat(value);
+  return text.size() < 2 ? concat("0", text) : text;
+}
+
+// As in "Mon Nov 26 03:03:39 2018".
+std::string dateTimeText(std::time_t time) {
+  const std::tm* local = std::localtime(&time);
+  if (local == nullptr) return "";
+  std::array<char, 20> day{};
+  std::array<char, 20> clockAndYear{};
+  std::strftime(day.data(), day.size(), "%a %b ", local);
+  std::strftime(clockAndYear.data(), clockAndYear.size(), " %H:%M:%S %Y", local);
+  // Some systems know no "%e".
+  return concat(day.data(), paddedDecimal(local->tm_mday, 2), clockAndYear.data());
+}
+
+}  // namespace
+
+void Reporter::errHandler(Level level, std::string_view text, Where where) {
+  std::string message = concat("\n", prefixOf(level), text.substr(0, kMaxMessage));
+  if (where == Where::input && input_ != nullptr) message += input_->positionText();
+  // Standard output first: when the log cannot take the message, the user has
+  // still seen it.
+  print(message);
+  toLog(message);
+}
+
+void Reporter::fatal(std::string_view text, Where where) {
+  errHandler(Level::error, text, where);
+  finishClock();
+  throw ProgramEnd{1};
+}
+
+void Reporter::nullPtrChk(bool present, std::string_view tag) {
+  if (!present) fatal(concat("Null Ptr [", tag, "]"), Where::nowhere);
+}
+
+void Reporter::rangeCheck(std::int64_t value, std::int64_t smallest, std::int64_t largest,
+                          std::string_view name) {
+  if (smallest <= value && value <= largest) return;
+  fatal(concat("[", name, "] range[", smallest, " <= ", value, " <= ", largest, "]"),
+        Where::nowhere);
+}
+
+void Reporter::fileError(std::string_view text) {
+  fatal(concat("(", style_.toolName, ") ", text), Where::nowhere);
+}
+
+void Reporter::chkFileErr(std::string_view fileName) {
+  fatal(fileErrorText(fileName), Where::nowhere);
+}
+
+std::string Reporter::fileErrorText(std::string_view fileName) {
+  return concat(fileName, " file error");
+}
+
+void Reporter::statusMsg(std::string_view text, StatusStyle style) {
+  if (!wantsStatus()) return;
+  const bool lineBefore = style == StatusStyle::newLine || style == StatusStyle::ownLine;
+  const bool lineAfter = style == StatusStyle::ownLine || style == StatusStyle::line;
+  const std::string line = concat(lineBefore ? "\n" : "", text, lineAfter ? "\n" : "");
+  toLog(line);
+  if (!iDbg_SCR_ACTIVITY_) return;
+  printStatus(concat(style == StatusStyle::rewind ? style_.screenRewind : "", line,
+                     style == StatusStyle::wipe ? style_.screenWipe : ""));
+}
+
+void Reporter::startClock() { t_TimeStart_ = showDateTime(style_.startLabel); }
+
+void Reporter::finishClock() {
+  const std::time_t t_TimeFinish = showDateTime(style_.finishLabel);
+  if (t_TimeStart_ != 0) {
+    showElapsedTime(t_TimeFinish);
+  } else {
+    // No elapsed time: a line with nothing but a blank keeps its place.
+    toLog("\n \n");
+  }
+}
+
+std::time_t Reporter::showDateTime(std::string_view label) {
+  const std::time_t t_SysDateTime = std::time(nullptr);
+  statusMsg(concat(label, ": ", dateTimeText(t_SysDateTime)), StatusStyle::ownLine);
+  return t_SysDateTime;
+}
+
+void Reporter::showElapsedTime(std::time_t t_TimeFinish) {
+  const auto seconds = static_cast<std::int64_t>(std::difftime(t_TimeFinish, t_TimeStart_));
+  statusMsg(
+      concat(style_.elapsedLead, twoDigits(seconds / 3600), ":", twoDigits(seconds % 3600 / 60),
+             ":", twoDigits(seconds % 60), style_.elapsedTail),
+      StatusStyle::line);
+}
+
+void Reporter::toLog(std::string_view text) {
+  if (log_ != nullptr) log_->write(text);
+}
+
+void Reporter::print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+void Reporter::printStatus(std::string_view text) {
+  // Both streams often lead to one terminal or file: keep their order.
+  std::fflush(stdout);
+  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+}  // namespace tapforge

@@ -1,0 +1,77 @@
+#include "shell/run_files.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "shell/io/text.h"
+
+namespace tapforge {
+
+void RunFiles::addInput(const std::string& name) {
+  bool same = sOutputName && (*sOutputName == name || sameRegularFile(*sOutputName, name));
+  const auto isInput = [&name](const std::unique_ptr<OutputFile>& output) {
+    return output != nullptr && sameRegularFile(output->name(), name);
+  };
+  for (std::unique_ptr<OutputFile>* channel : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
+    if (!isInput(*channel)) continue;
+    same = true;
+    // A log that has nothing to lose takes the message.
+    if ((*channel)->begun()) continue;
+    if (channel == &pFC_Log) report.setLog(nullptr);
+    channel->reset();
+  }
+  std::erase_if(replaced_, isInput);
+  if (same) report.fileError("Input filename same as output");
+  FilePtr file = fileCheck(name, OpenMode::read, report);
+  // Of the further ones only the name is kept: being readable is all they need.
+  if (!pFC_Input.empty()) file.reset();
+  pFC_Input.push_back({name, std::move(file)});
+}
+
+void RunFiles::makeChannel(std::unique_ptr<OutputFile>& channel, const std::string& name) {
+  if (channel != nullptr && !channel->begun()) replaced_.push_back(std::move(channel));
+  channel.reset();
+  refuseInputAsOutput(name);
+  // Two outputs would overwrite each other without a word, and so would an
+  // output and the messages.
+  bool taken = sameRegularFile(stdout, name) || sameRegularFile(stderr, name);
+  for (const auto* other : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
+    taken = taken || (*other != nullptr && sameRegularFile((*other)->name(), name));
+  }
+  if (taken) report.fileError(concat("[", name, "] is already written by this run"));
+  if (iOverWritePrompt && fileExists(name)) {
+    const char answer = getResponse(concat("[", name, "] exists; Overwrite or Exit (o/e)? "), "OE",
+                                    'E', emptyAnswer_);
+    if (answer != 'O') throw ProgramEnd{1};
+  }
+  channel = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);
+  // The same file under an earlier option is emptied as this one, once.
+  std::erase_if(replaced_, [&name](const std::unique_ptr<OutputFile>& output) {
+    return sameRegularFile(output->name(), name);
+  });
+}
+
+void RunFiles::refuseInputAsOutput(const std::string& name) {
+  for (const InputFile& input : pFC_Input) {
+    const bool isFirst = &input == &pFC_Input.front();
+    if ((isFirst && input.name == name) || sameRegularFile(input.name, name)) {
+      report.fileError("Output filename same as input");
+    }
+  }
+}
+
+void RunFiles::beginOutputs() {
+  for (OutputFile* output : outputs()) output->begin();
+  replaced_.clear();
+}
+
+std::vector<OutputFile*> RunFiles::outputs() const {
+  std::vector<OutputFile*> all;
+  for (const auto& output : replaced_) all.push_back(output.get());
+  for (OutputFile* output : {pFC_Output.get(), pFC_Ascii.get(), pFC_Log.get()}) {
+    if (output != nullptr) all.push_back(output);
+  }
+  return all;
+}
+
+}  // namespace tapforge

@@ -1,0 +1,22 @@
+#ifndef TAPFORGE_SHELL_RUN_PROGRAM_H
+#define TAPFORGE_SHELL_RUN_PROGRAM_H
+
+#include <functional>
+#include <string_view>
+
+#include "shell/run_files.h"
+
+namespace tapforge {
+
+/// The makers' line of the banner and of both version messages.
+extern const std::string_view kCopyright;
+
+/// Runs a mode to its exit status. `conversion` reads the options and converts;
+/// it returns whether all went well, or ends early by ProgramEnd, WriteFailed
+/// or std::bad_alloc. Afterwards every file has been flushed and closed, and
+/// whatever could not be written has been reported and made the status 1.
+int runProgram(RunFiles& files, const std::function<bool()>& conversion);
+
+}  // namespace tapforge
+
+#endif  // TAPFORGE_SHELL_RUN_PROGRAM_H

@@ -1,0 +1,52 @@
+#ifndef TAPFORGE_SVF_SYNTAX_RULES_H
+#define TAPFORGE_SVF_SYNTAX_RULES_H
+
+#include <string>
+#include <string_view>
+
+#include "svf/text_scan.h"
+
+namespace tapforge {
+
+/// A place in the source, as messages show it.
+struct SourcePlace {
+  std::string_view sFileName;
+  std::int64_t lLineNum;       // the first line is 1
+  std::string_view sLastItem;  // the token or character read last, as written
+  std::string_view sSrcLine;   // where lines are cut, the part that was read last
+  std::int64_t iTokenCol;      // of the last token in sSrcLine, from 0
+};
+
+/// The ways in which the two program modes read SVF differently. Each mode has
+/// one constant of it.
+struct SyntaxRules {
+  /// The lines that follow a message's text and tell its place.
+  std::string (*positionText)(const SourcePlace& place);
+
+  /// What stands around the limit in the message about a number or digit-led
+  /// word that is too long, and around a token that was expected.
+  std::string_view numberTooLong[2];
+  std::string_view tokenMissing[2];
+  std::string_view endOfFile;  // something was to be read past the end
+  bool endOfFileHasPosition;
+
+  /// What ends a line, for line numbers and comments.
+  LineEnds lineEnds;
+  /// Lines are cut after kMaxLine characters, and a line end counts as a blank.
+  bool linesAreCut;
+  /// A "/" that begins no comment is a token. If not, it is lost, and the
+  /// character after it is a token by itself.
+  bool slashIsToken;
+  /// White space and comments count as the last item read.
+  bool blankIsItem;
+  /// A hex value that the end of the file cuts off ends without a message.
+  bool hexEndsWithFile;
+  /// A RUNTEST number with any unit but TCK is a time that has to become clocks.
+  bool timesBecomeCounts;
+  /// What a STATE path reports after its text "Invalid pathstate".
+  bool pathErrorNamesState;
+};
+
+}  // namespace tapforge
+
+#endif  // TAPFORGE_SVF_SYNTAX_RULES_H

@@ -1,3 +1,0 @@
-scan_ir_tapbus  8
-    TDI (01)
-

@@ -1,0 +1,79 @@
+#ifndef TAPFORGE_TESTS_SUPPORT_FAKES_H
+#define TAPFORGE_TESTS_SUPPORT_FAKES_H
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "shell/io/block_size.h"
+#include "shell/io/files.h"
+#include "shell/io/reporter.h"
+#include "svf/file_channel.h"
+
+namespace tapforge::testing {
+
+/// Keeps what it is told, as on a screen that is on.
+class RecordingReporter final : public Reporter {
+ public:
+  explicit RecordingReporter(const MessageStyle& style) : Reporter(style) { setScreen(true); }
+  std::string text;
+  std::string status;
+
+  /// The first line of the first message, without its kind.
+  std::string_view saying() const {
+    return std::string_view(text).substr(0, text.find('\n', 1)).substr(10);
+  }
+
+ private:
+  void print(std::string_view message) override { text += message; }
+  void printStatus(std::string_view line) override { status += line; }
+};
+
+/// A file in memory that goes on existing after its handle is closed.
+class MemoryFile {
+ public:
+  explicit MemoryFile(std::string_view text = {});
+
+  /// A handle at its start; one at a time.
+  FilePtr open();
+  std::string text() const;
+
+ private:
+  FilePtr file_;
+};
+
+/// Files opened while it exists have blocks of this size.
+class WithBlockSize {
+ public:
+  explicit WithBlockSize(std::size_t size) : before_(std::exchange(gBlockSize, size)) {}
+  ~WithBlockSize() { gBlockSize = before_; }
+  WithBlockSize(const WithBlockSize&) = delete;
+  WithBlockSize& operator=(const WithBlockSize&) = delete;
+
+ private:
+  std::size_t before_;
+};
+
+/// The last one is that of the program.
+inline const std::array<std::size_t, 6> kBlockSizes = {1, 2, 3, 7, 16, std::size_t{128} << 10};
+
+/// An SVF text as the parsers see it.
+struct Source {
+  explicit Source(std::string_view text, const SyntaxRules& rules, CommentSink* comments = nullptr)
+      : file(text), input{"input", file.open()}, channel(input, rules, report, comments) {}
+
+  static constexpr MessageStyle kStyle{};
+  MemoryFile file;
+  InputFile input;
+  RecordingReporter report{kStyle};
+  FileChannel channel;
+};
+
+/// The modes' rules.
+const SyntaxRules& scriptRules();
+const SyntaxRules& ksvfRules();
+
+}  // namespace tapforge::testing
+
+#endif  // TAPFORGE_TESTS_SUPPORT_FAKES_H

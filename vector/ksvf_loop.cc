@@ -1,0 +1,277 @@
+#include "vector/ksvf_loop.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "scan/scan_statement.h"
+#include "shell/io/text.h"
+#include "svf/numbers.h"
+#include "svf/runtest.h"
+#include "svf/state_statements.h"
+#include "vector/ksvf_moves.h"
+#include "vector/ksvf_scans.h"
+#include "vector/ksvf_traits.h"
+
+namespace progmode_svf2ksvf {
+namespace {
+
+using tapforge::concat;
+using tapforge::FileChannel;
+using tapforge::Where;
+
+/// Hands what the parsers read to the writers. What it adds is the order: which
+/// pending scan goes out when, where the source comments of -kprintsrc stand, and
+/// which end state waits for the RUNTEST after it.
+class KsvfLoop final : private tapforge::CommentSink {
+ public:
+  KsvfLoop(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
+           OutputFile* listing, Reporter& report)
+      : vars_(vars),
+        report_(report),
+        channel_(input, kSyntaxRules, report, this),
+        commands_(output, listing, report),
+        scans_(vars, commands_, pGlobTapData_, report),
+        moves_(vars, commands_) {
+    if (vars_.iOptPrintSrc >= 2) channel_.keepSrcEcho(vars_.g_lMaxLinesToCopy);
+  }
+
+  bool processSVF() {
+    ksvfHeaderTrailer(Frame::header);
+    bool allKnown = true;
+    for (;;) {
+      channel_.resetSrcLineBuf();
+      if (!channel_.lexKeyword()) break;
+      const Keyword keyword = tapforge::keywordOf(channel_);
+      if (keyword == Keyword::unknown) {
+        allKnown = tapforge::skipUnknown(channel_) && allKnown;
+      } else {
+        doStatement(keyword);
+      }
+    }
+    ksvfHeaderTrailer(Frame::trailer);
+    return allKnown;
+  }
+
+ private:
+  enum class Frame { header, trailer };
+
+  void ksvfHeaderTrailer(Frame which) {
+    if (which == Frame::trailer) {
+      scans_.writePending(StaleCount::cancel);
+      commands_.write(Command::KCOMPLETE);
+      return;
+    }
+    commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
+    if (vars_.iOptPrintSrc >= 1) {
+      commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
+    }
+  }
+
+  // Comments of the source go out with the text before them, which is then not
+  // repeated with the statement.
+  void commentText(std::string_view /*piece*/) override {}
+  void commentEnd() override {
+    writeSvfSrc();
+    channel_.resetSrcLineBuf();
+  }
+
+  void writeSvfSrc() {
+    if (vars_.iOptPrintSrc >= 2) commands_.writeComment(channel_.srcEcho());
+  }
+
+  void doStatement(Keyword keyword) {
+    switch (keyword) {
+      case Keyword::hir:
+      case Keyword::hdr:
+      case Keyword::tir:
+      case Keyword::tdr:
+      case Keyword::sir:
+      case Keyword::sdr:
+        doScan(keyword);
+        return;
+      case Keyword::runtest:
+        doRunTest();
+        return;
+      case Keyword::endir:
+      case Keyword::enddr:
+        doEndState(registerOf(keyword));
+        break;
+      case Keyword::state:
+        doState();
+        break;
+      case Keyword::frequency:
+        doFrequency();
+        break;
+      case Keyword::trst:
+        doTrst();
+        break;
+      case Keyword::piomap:
+        doPioMap();
+        break;
+      case Keyword::pio:
+        doPio();
+        break;
+      case Keyword::unknown:
+        return;
+    }
+    writeSvfSrc();
+    scans_.setRunTestFlag(false);
+  }
+
+  void doScan(Keyword keyword) {
+    scans_.writeOverwritten(keyword);
+    if (shiftsData(keyword)) pGlobTapData_.iSvfTrstRule = true;
+    const bool accepted = tapforge::readTapData(keyword, pGlobTapData_, channel_);
+    writeSvfSrc();
+    if (!accepted) tapforge::endByRuleViolation(report_);
+    if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
+    if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
+    scans_.doDataShift(keyword);
+    // An SDR leaves the flag set: one RUNTEST before several SDRs applies to each.
+    if (keyword != Keyword::sdr) scans_.setRunTestFlag(false);
+  }
+
+  void doState() {
+    scans_.writePending(StaleCount::cancel);
+    tapforge::StatePathReader pStatePath(iCurState_, channel_);
+    TapState previous = iCurState_;
+    while (const auto step = pStatePath.next()) {
+      if (step->oneClock) {
+        moves_.addTapTransition(step->state);
+      } else {
+        moves_.doStableState(previous, step->state);
+      }
+      previous = step->state;
+    }
+    iCurState_ = previous;
+  }
+
+  // Looks at the next keyword and leaves it for the loop.
+  bool nextIsRunTest() {
+    if (!channel_.lexKeyword()) return false;
+    channel_.unlex();
+    return channel_.is("runtest");
+  }
+
+  void doEndState(ScanRegister which) {
+    const TapState state = tapforge::readEndState(channel_);
+    (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
+    const bool beforeRunTest = nextIsRunTest();
+    if (beforeRunTest && !vars_.giUseKwait) {
+      g_iDelayedEndxR_ = true;
+      g_iStoredEndMode_ = which;
+      g_iStoredEndTap_ = state;
+    } else {
+      writeEndState(which, state);
+    }
+  }
+
+  void writeEndState(ScanRegister which, TapState state) {
+    scans_.writePending(StaleCount::cancel);
+    moves_.endState(which, state);
+  }
+
+  void doRunTest() {
+    pGlobTapData_.iSvfTrstRule = true;
+    scans_.setRunTestFlag(true);
+    if (vars_.giUseKwait) scans_.writePending(StaleCount::keep);
+    std::int64_t count = readRunCount();
+    // RUNTESTs in a row are one wait.
+    while (!vars_.giUseKwait && nextIsRunTest()) {
+      channel_.lex();
+      count = tapforge::saturatedSum(count, readRunCount());
+    }
+    count = std::max(count, vars_.lRunMin);
+    if (vars_.giUseKwait) {
+      moves_.wait(pGlobTapData_.iRunState, pGlobTapData_.iRunEndState, count);
+    } else {
+      if (scans_.writeRunCount(count) && vars_.iMultipleRunTest) scans_.writeEmptyScan();
+      scans_.writePending(StaleCount::keep);
+    }
+    writeSvfSrc();
+    iCurState_ = pGlobTapData_.iRunEndState;
+    if (g_iDelayedEndxR_) {
+      writeEndState(g_iStoredEndMode_, g_iStoredEndTap_);
+      scans_.setRunTestFlag(false);
+      g_iDelayedEndxR_ = false;
+    }
+  }
+
+  // Reads one RUNTEST, stores its states and returns its count in TCKs.
+  std::int64_t readRunCount() {
+    tapforge::RunTestNumbers numbers;
+    tapforge::RunTestReader reader(channel_);
+    while (const auto part = reader.next()) {
+      numbers.add(*part);
+      using Kind = tapforge::RunTestPart::Kind;
+      if (part->kind == Kind::runState) pGlobTapData_.iRunState = part->state;
+      if (part->kind == Kind::endState) pGlobTapData_.iRunEndState = part->state;
+      if (part->kind == Kind::time) numbers.fRunCount = countOfTime(*part);
+    }
+    tapforge::checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
+    return tapforge::truncated(numbers.fRunCount);
+  }
+
+  float countOfTime(const tapforge::RunTestPart& part) {
+    const std::int64_t frequency = vars_.lGlobTckFreq;
+    if (frequency == -1) {
+      report_.warning("Use tck_freq option to convert time delay into equivalent TCK count");
+      report_.fatal("Delay must be in terms of TCK count", Where::nowhere);
+    }
+    report_.warning(
+        concat("Converting delay to equivalent TCK count using tck_freq = ", frequency, " Hz"),
+        Where::nowhere);
+    const tapforge::Number& time = part.number;
+    const bool whole = time.kind == tapforge::Number::Kind::integer;
+    const std::int64_t clocks =
+        whole ? tapforge::saturatedProduct(time.integer, frequency)
+              : tapforge::truncated(time.real * static_cast<float>(frequency));
+    report_.warning(concat("=> ", whole ? std::to_string(time.integer) : std::to_string(time.real),
+                           " ", channel_.tokenLower(), " to ", clocks, " TCKs"));
+    return static_cast<float>(clocks);
+  }
+
+  void doFrequency() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.fTckFreq = tapforge::readFrequency(channel_);
+  }
+
+  void doTrst() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.iTrstMode =
+        tapforge::readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+  }
+
+  void doPioMap() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.pPioMap = tapforge::readPioMap(channel_);
+  }
+
+  void doPio() {
+    scans_.writePending(StaleCount::cancel);
+    tapforge::readPio(pGlobTapData_.pPioMap, channel_);
+  }
+
+  const KsvfVars& vars_;
+  Reporter& report_;
+  FileChannel channel_;
+  CTapObj pGlobTapData_;
+  CommandWriter commands_;
+  KsvfScans scans_;
+  KsvfMoves moves_;
+
+  TapState iCurState_ = TapState::reset;  // that the file has brought the TAP to
+  // An ENDIR or ENDDR whose command goes out after the RUNTEST that follows it.
+  bool g_iDelayedEndxR_ = false;
+  ScanRegister g_iStoredEndMode_ = ScanRegister::instruction;
+  TapState g_iStoredEndTap_ = TapState::idle;
+};
+
+}  // namespace
+
+bool processSVF(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
+                OutputFile* listing, Reporter& report) {
+  return KsvfLoop(vars, input, output, listing, report).processSVF();
+}
+
+}  // namespace progmode_svf2ksvf

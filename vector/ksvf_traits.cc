@@ -1,0 +1,46 @@
+#include "vector/ksvf_traits.h"
+
+#include "shell/io/text.h"
+
+namespace progmode_svf2ksvf {
+namespace {
+
+// File, line and last item.
+std::string positionText(const tapforge::SourcePlace& place) {
+  return tapforge::concat("\n[", place.sFileName, ": line ", place.lLineNum, "]:[", place.sLastItem,
+                          "]");
+}
+
+// A carriage return, 79 blanks and a carriage return.
+constexpr std::string_view kClearLine =
+    "\r                                        "
+    "                                       \r";
+
+}  // namespace
+
+const tapforge::MessageStyle kMessageStyle = {
+    .toolName = "svf2ksvf",
+    .startLabel = "Start  ",
+    .finishLabel = "Finish ",
+    .elapsedLead = "      Elapsed Time (",
+    .elapsedTail = ")",
+    .screenRewind = kClearLine,
+    .screenWipe = kClearLine,
+};
+
+const tapforge::SyntaxRules kSyntaxRules = {
+    .positionText = positionText,
+    .numberTooLong = {"number exceeds [", "] digits"},
+    .tokenMissing = {"Token [", "] not found"},
+    .endOfFile = "EOF_CH",
+    .endOfFileHasPosition = false,
+    .lineEnds = tapforge::LineEnds::lineFeed,
+    .linesAreCut = false,
+    .slashIsToken = false,
+    .blankIsItem = true,
+    .hexEndsWithFile = true,
+    .timesBecomeCounts = true,
+    .pathErrorNamesState = true,
+};
+
+}  // namespace progmode_svf2ksvf
