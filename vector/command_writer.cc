@@ -15,11 +15,12 @@ int digitsOfNumber(std::uint32_t value) {
 }  // namespace
 
 // Warns, and keeps the leading hex digits of the low 32 bits, not the low ones.
-std::uint64_t CommandWriter::leadingDigits(std::int64_t number, int bytes, const CommandRow& row) {
+std::uint64_t CommandWriter::leadingDigits(std::int64_t number, std::int64_t bytes,
+                                           const CommandRow& row) {
   report_.warning(tapforge::concat(row.name, " operand ", number, " does not fit"),
                   tapforge::Where::nowhere);
   const auto value = static_cast<std::uint32_t>(number);
-  const int surplus = digitsOfNumber(value) - 2 * bytes;
+  const std::int64_t surplus = digitsOfNumber(value) - 2 * bytes;
   return surplus > 0 ? value >> (4 * surplus) : value;
 }
 

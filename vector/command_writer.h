@@ -60,13 +60,13 @@ class CommandWriter {
 
   /// Writes the low 32 bits of a number as `bytes` (1, 2 or 4) bytes to `out`,
   /// where eight must be writable, and returns their end.
-  char* binWrite(char* out, std::int64_t number, int bytes, const CommandRow& row) {
+  char* binWrite(char* out, std::int64_t number, std::int64_t bytes, const CommandRow& row) {
     auto value = static_cast<std::uint64_t>(number);
     if (value >> (8 * bytes) != 0) value = leadingDigits(number, bytes, row);
     tapforge::storeBig(out, value << (tapforge::kWordBits - 8 * bytes));
     return out + bytes;
   }
-  std::uint64_t leadingDigits(std::int64_t number, int bytes, const CommandRow& row);
+  std::uint64_t leadingDigits(std::int64_t number, std::int64_t bytes, const CommandRow& row);
 
   /// Writes a vector to `out`, in ceil(count / 8) bytes, the most significant one
   /// first, and returns where to go on. A long one goes through reserved stretches

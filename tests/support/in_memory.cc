@@ -36,6 +36,7 @@ FilePtr newFile() {
 }  // namespace
 
 MemoryFile::MemoryFile(std::string_view text) : file_(newFile()) {
+  if (text.empty()) return;
   if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
 }
 
