@@ -86,7 +86,7 @@ TEST(ScanStatement, DropsTheTdoOfAMaskOfZeros) {
   EXPECT_EQ(scan("65 TDI()TDO()MASK(1" + zeros + ");"),
             "\n0" + zeros + "/0" + zeros + "/1" + zeros + "//");
   EXPECT_EQ(scan("64 TDI()TDO()MASK();"), "\n" + zeros + "//" + zeros + "//");
-  EXPECT_EQ(scan("4 TDI(0) MASK(8)TDO(0);"), "\n0/0/8//");
+  EXPECT_EQ(scan("4 TDI(0) MASK(1)TDO(0);"), "\n0/0/1//");
   EXPECT_EQ(scan("3 MASK(8)TDO(0) SMASK\n( 1\t2 )TDI(5);"),
             "\nWarning: 1's in 1 MSB bits of leading hex char (8) will be ignored [8]"
             "\nWarning: Ignoring excess MSB chars in field [2]\n5//8/2/");
