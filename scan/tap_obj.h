@@ -10,7 +10,7 @@
 
 namespace tapforge {
 
-/// What SVF statements leave standing for the ones after them, in one run.
+/// What stays in force from one SVF statement to the next, in one run.
 struct CTapObj {
   TapState iRunState = TapState::idle;     // in which RUNTEST waits
   TapState iRunEndState = TapState::idle;  // after a RUNTEST

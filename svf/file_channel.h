@@ -225,6 +225,7 @@ class FileChannel final : public InputPosition {
   // How much text before the next character is kept, for messages.
   static constexpr std::ptrdiff_t kHistory = 1024;
   static_assert(kHistory + 2 * kMaxLine + kWordLimit < kKept);
+  static_assert(kHistory > kMaxLine + static_cast<std::ptrdiff_t>(kWordLimit));
   static_assert(kWordLimit > kNumberLimit && kWordLimit < kMaxLine && kPadding >= 16 + 8);
 
   struct FreeBlock {

@@ -32,7 +32,7 @@ class CommandWriter {
              [[maybe_unused]] std::int64_t low = 0, [[maybe_unused]] std::int64_t count = 0,
              const Vectors&... vectors) {
     const CommandRow& row = rowOf(command);
-    assert(sizeof...(vectors) == row.vectors && numbers.size() <= row.numberBytes.size());
+    assert(sizeof...(vectors) == row.vectors && numbers.size() == row.numbers());
     char* out = output_.reserve(kHead);
     *out++ = static_cast<char>(command);
     const std::uint8_t* bytes = row.numberBytes.data();

@@ -2,6 +2,7 @@
 #define TAPFORGE_VECTOR_KSVF_COMMANDS_H
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -42,6 +43,12 @@ struct CommandRow {
   std::array<std::uint8_t, 3> numberBytes;  // of each number, 0 for none
   std::size_t vectors;
   tapforge::HexCase listedIn = tapforge::HexCase::upper;  // numbers in the listing
+
+  constexpr std::size_t numbers() const {
+    std::size_t count = 0;
+    while (count < numberBytes.size() && numberBytes[count] != 0) ++count;
+    return count;
+  }
 };
 
 /// All commands, in the order of their codes. docs/ksvf.md says what they mean.
@@ -87,6 +94,7 @@ inline constexpr std::array<std::uint8_t, kCodes> kPlaces = makePlaces();
 }  // namespace ksvf_commands
 
 constexpr const CommandRow& rowOf(Command command) {
+  assert(ksvf_commands::kPlaces[static_cast<std::size_t>(command)] < kCommands.size());
   return kCommands[ksvf_commands::kPlaces[static_cast<std::size_t>(command)]];
 }
 

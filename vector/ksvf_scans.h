@@ -70,7 +70,6 @@ class KsvfScans {
   void writeWholeScan(const Vectors& vectors, std::int64_t length, StaleCount count);
   template <typename Mask>
   void writeMask(const Mask& mask, std::int64_t length);
-  void writeZeroMask(std::int64_t length);
   template <typename Mask>
   bool compareHexData(const Mask& mask, std::int64_t digits) const;
   template <typename Vectors>
