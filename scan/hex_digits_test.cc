@@ -20,7 +20,7 @@ const unsigned char* bytes(const std::string& text) {
 TEST(HexDigits, AreReadSixteenAtATime) {
   for (std::size_t place = 0; place < 16; ++place) {
     for (int c = 0; c < 256; ++c) {
-      std::string text = "0123456789abcDEF";
+      std::string text = "0123456789abcDEF0";
       text[place] = static_cast<char>(c);
       const std::size_t count = c < 128 && std::isxdigit(c) != 0 ? 16 : place;
       EXPECT_EQ(hexValue(static_cast<unsigned char>(c)) >= 0, count == 16) << c;

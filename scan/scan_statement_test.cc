@@ -68,6 +68,8 @@ TEST(ScanStatement, KeepsValuesWhileTheLengthStays) {
   EXPECT_EQ(scan(all + "8 MASK(9) TDO(a);"), "\n12/0a/09/78/");
   EXPECT_EQ(scan(all + "7 TDI(1) TDO(2); 7 SMASK(3);"), "\n01///03/");
   EXPECT_EQ(scan(all + "7 TDI(1); 8 TDI(2);"), "\n02////");
+  const std::string ones(40, 'f');
+  EXPECT_EQ(scan("160 TDI(" + ones + "); 160 TDI(1);"), "\n" + std::string(39, '0') + "1////");
   CTapPattern pattern;
   ScanValues tdi;
   EXPECT_FALSE(pattern.setPattern(8, tdi));

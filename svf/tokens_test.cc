@@ -88,14 +88,14 @@ TEST(Tokens, OfBothModes) {
           {"a/", "a '/ ", "a "},
           // A line is cut after 199 characters, and no comment begins at the cut.
           {blanks(198) + "/a", "'/ a ", "'a "},
-          {blanks(198) + "//a\n", "[skCm] range[0 <= -1 <= 2]", "{//a} "},
+          {"a\n" + blanks(198) + "//a\n", "a [skCm] range[0 <= -1 <= 2]", "a {//a} "},
           {blanks(198) + "a//b", "a {//b} "},
       },
       tokens);
 }
 
 // Line, last item and, where lines are shown, column and text of the line: after the token
-// "here" or "@", or at the end of the file.
+// "here" or "@", or at the end of the file or a refusal.
 std::string place(const std::string& svf, SyntaxRules rules) {
   rules.positionText = [](const SourcePlace& at) {
     const std::string line(at.sSrcLine);
@@ -103,7 +103,10 @@ std::string place(const std::string& svf, SyntaxRules rules) {
                   line.empty() ? "" : concat(at.iTokenCol, ":", line));
   };
   Source source(svf, rules);
-  while (source.channel.lexKeyword() && !source.channel.is("here") && !source.channel.is("@")) {
+  try {
+    while (source.channel.lexKeyword() && !source.channel.is("here") && !source.channel.is("@")) {
+    }
+  } catch (const ProgramEnd&) {
   }
   return source.channel.positionText();
 }
@@ -121,6 +124,7 @@ TEST(Tokens, HaveAPlace) {
           {"a here", "1[here]2:a here", "1[here]"},
           // White space and comments are items of mode 1, which shows at the end.
           {"ab ", "1[ab]0:ab ", "1[ ]"},
+          {"ab", "1[ab]0:ab", "1[ab]"},
           {"a; ", "1[;]2:a; ", "1[ ]"},
           {"a; \n  \n", "3[;]", "3[\n]"},
           {"a; /", "1[/]3:a; /", "1[ ]"},
@@ -145,6 +149,8 @@ TEST(Tokens, HaveAPlace) {
           {blanks(195) + "here", "1[here]", "1[here]"},
           {blanks(198) + ";", "1[;]", "1[;]"},
           {blanks(195) + "a  \n@", "2[@]0:@", "2[@]"},
+          // A word that is too long has been read up to the limit.
+          {blanks(198) + std::string(99, 'w'), "1[]0:" + std::string(98, 'w'), "1[ ]"},
       },
       place);
 }
