@@ -2,6 +2,7 @@
 #define TAPFORGE_SCAN_TAP_PATTERN_H
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -45,6 +46,7 @@ class CTapPattern {
 
   /// A value, or null when it is not in force.
   const CTapField* operator[](ScanValue value) const {
+    assert(static_cast<std::size_t>(value) < fields_.size());
     return inForce_.has(value) ? &fields_[static_cast<std::size_t>(value)] : nullptr;
   }
   const CTapField* pTdi() const { return (*this)[ScanValue::tdi]; }
@@ -56,6 +58,7 @@ class CTapPattern {
   /// one storage for the old and the new one, so both never exist together;
   /// setPattern() must follow.
   CTapField& storage(ScanValue value) {
+    assert(static_cast<std::size_t>(value) < fields_.size());
     held_.add(value);
     return fields_[static_cast<std::size_t>(value)];
   }
