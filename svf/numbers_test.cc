@@ -55,13 +55,6 @@ TEST(Numbers, WithAndWithoutFractionAndExponent) {
   EXPECT_EQ((Number{Number::Kind::integer, 1, 16777217}).asFloat(), 16777216.0F);
 }
 
-TEST(Numbers, TestIsNum) {
-  for (const char* const text : {"5", "120", "1e", "1E5", "12e34"}) EXPECT_TRUE(testIsNum(text));
-  for (const char* const text : {"", "x", "e5", "5x", "1.5", "-1", "1e+3", "1ee", "1e5x"}) {
-    EXPECT_FALSE(testIsNum(text)) << text;
-  }
-}
-
 TEST(Numbers, Saturate) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
   constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();

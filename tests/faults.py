@@ -70,13 +70,6 @@ class Faults(unittest.TestCase):
         self.assertTrue(banner.startswith("\n****** Ondrel"), text[:100])
         self.assertEqual(output, (self.at / "out").read_text())
 
-    def test_messages_and_output_in_one_file(self):
-        refusal = "[both] is already written by this run"
-        with open(self.at / "both", "wb") as both:
-            self.run_it("-w", "-o", "both", "-i", "in.svf", status=1, stdout=both)
-            self.assertIn(refusal, (self.at / "both").read_text())
-            self.run_it("-w", "-o", "both", "-i", "in.svf", status=1, stderr=both, says=refusal)
-
     def test_input_that_cannot_be_read(self):
         self.run_it("-w", "-o", "out", "-i", "/proc/self/mem", status=1, says="Error  : /proc/self/mem file error")
         for mode in ["-tapbus", "-ksvf"]:

@@ -13,8 +13,8 @@ it needs stand before its first command, all that a command gives after it:
 
 That is standard output, "stderr:", every file that was made or written, and the exit status as
 [1] unless it is 0. Equal files stand together; a .ksvf file is turned back into its listing, so it
-stands with the listing when they agree, what prepares a scan on the line of the scan. The start-up
-banner, with the empty line that begins a first message, is left out; dates and times are masked.
+stands with the listing when they agree: what prepares a scan on the line of the scan, and without
+the KREPEAT 0x20 and KCOMPLETE around it, unless one of them is missing. The start-up banner, with the empty line that begins a first message, is left out; dates and times are masked.
 "\\r", "\\t" and "\\x07" are characters, "c\\{70}" is 70 times c, "line\\{10 lines}" ten such lines, and
 "\\" at the end tells that the last line has no line end. A function holds to the end of its page.
 "<!-- needs WORD -->" before an example lets --without WORD leave it out.
@@ -66,6 +66,14 @@ def listing(data):
             words, at = ["bytes", data[start:].hex(" ")], len(data)
         lines.append(" ".join(words) + "\n")
     return "".join(lines).replace("SIZE 0x00000000\nKSDR 0x\n", "SIZE 00000000\nKSDR\n")
+
+
+def brief(text):
+    """A listing as a page shows it."""
+    whole = re.fullmatch(r"KREPEAT 0x20\n(.+)KCOMPLETE\n", text, re.S)
+    marked = "" if not text or text.startswith("KREPEAT ") else "no KREPEAT\n"
+    part = whole[1] if whole else marked + text
+    return PREPARES.sub(r"\1 | ", part)
 
 
 def shown(text):
@@ -140,7 +148,7 @@ class Page:
         for file, data in seen.items():
             if file not in before or file.stat().st_mtime != 1:
                 text = listing(data) if file.suffix == ".ksvf" else data.decode("latin-1")
-                text = PREPARES.sub(r"\1 | ", text) if text in listings else text
+                text = brief(text) if text in listings else text
                 part = " as before" if before.get(file) == data else body(text)
                 parts[str(file.relative_to(folder))] = part
         parts |= {str(file.relative_to(folder)): " gone" for file in before if file not in seen}

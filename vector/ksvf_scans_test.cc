@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "shell/io/text.h"
 #include "tests/support/in_memory.h"
@@ -36,11 +36,7 @@ const std::string kSdr = "SDR 8 TDI (01);";
 const std::string kWait = "RUNTEST 7 TCK;";
 
 TEST(KsvfScans, RunCountsOfStatementSequences) {
-  struct Case {
-    std::string svf;
-    std::string expected;
-  };
-  const std::vector<Case> cases = {
+  const std::pair<std::string, std::string> cases[] = {
       // The first scan without a RUNTEST of its own.
       {kSir, "RUNTEST0 SIR"},
       {kSir + kWait + kSir, "RUNTEST7 SIR RUNTEST0 SIR"},
@@ -58,18 +54,7 @@ TEST(KsvfScans, RunCountsOfStatementSequences) {
       {kWait + kSdr, "RUNTEST7 SDRSIZE8 SDRTDO"},
       {kWait + kSdr + "TRST OFF;" + kSdr, "RUNTEST7 SDRSIZE8 SDRTDO RUNTEST0 SDRTDO"},
   };
-  for (const Case& each : cases) EXPECT_EQ(commands(each.svf), each.expected) << each.svf;
-}
-
-TEST(KsvfScans, HeldBackEndStates) {
-  KsvfVars vars{.iOptMinKstateUsage = false, .iKsvfExt = true};
-  vars.lFpgaRecSize = 128;
-  EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars), "RUNTEST7 SDRSIZE8 SDRTDO ENDDR");
-  EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kSdr, vars),
-            "SDRSIZE8 RUNTEST0 SDRTDO ENDDR SDRTDO");
-  EXPECT_EQ(commands("ENDIR IDLE; ENDDR IRPAUSE;" + kWait, vars), "ENDIR RUNTEST7 ENDDR");
-  vars.giUseKwait = vars.iInOrder = true;
-  EXPECT_EQ(commands(kSdr + "ENDDR DRPAUSE;" + kWait, vars), "SDRSIZE8 RUNTEST0 SDRTDO ENDDR WAIT");
+  for (const auto& [svf, expected] : cases) EXPECT_EQ(commands(svf), expected) << svf;
 }
 
 TEST(KsvfScans, CutsLongScansIntoRecords) {
@@ -99,28 +84,6 @@ TEST(KsvfScans, WritesAMaskOnlyWhenItsLeadingDigitsDiffer) {
   EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(fa); SDR 4 TDI(0) TDO(1) MASK(f);"), "fa ");
   EXPECT_EQ(masks("SDR 4 TDI(0) TDO(1) MASK(f); SDR 8 TDI(0) TDO(1) MASK(fa);"), "0f fa ");
   EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(fa); SDR 4 TDI(0) TDO(1) MASK(a);"), "fa 0a ");
-}
-
-TEST(CommandWriter, PacksVectorsIntoWholeBytes) {
-  const auto instruction = [](long bits, std::string_view tdi) {
-    const std::string svf = tapforge::concat("SIR ", bits, " TDI (", tdi, ");");
-    const std::string output = toKsvf(svf).output;
-    // KREPEAT and KRUNTEST stand in front, KCOMPLETE behind.
-    std::string hex;
-    for (const char c : output.substr(7, output.size() - 8)) {
-      hex += "0123456789abcdef"[static_cast<unsigned char>(c) >> 4];
-      hex += "0123456789abcdef"[static_cast<unsigned char>(c) & 15];
-    }
-    return hex;
-  };
-  EXPECT_EQ(instruction(1, "1"), "020101");
-  EXPECT_EQ(instruction(5, "1f"), "02051f");
-  EXPECT_EQ(instruction(9, "1ff"), "020901ff");
-  EXPECT_EQ(instruction(12, "abc"), "020c0abc");
-  EXPECT_EQ(instruction(255, std::string(64, '7')), tapforge::concat("02ff", std::string(64, '7')));
-  EXPECT_EQ(instruction(256, std::string(64, 'a')),
-            tapforge::concat("150100", std::string(64, 'a')));
-  EXPECT_EQ(instruction(68, "123456789abcdef01"), "02440123456789abcdef01");
 }
 
 }  // namespace

@@ -56,44 +56,42 @@ std::string MemoryFile::text() const {
 const SyntaxRules& scriptRules() { return progmode_svf2tapbus::kSyntaxRules; }
 const SyntaxRules& ksvfRules() { return progmode_svf2ksvf::kSyntaxRules; }
 
-Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
-  RecordingReporter report(progmode_svf2tapbus::kMessageStyle);
-  MemoryFile input(svf);
-  MemoryFile output;
-  OutputFile outputFile(output.open(), "output");
-  Converted converted;
-  try {
-    InputFile inputFile{"input", input.open()};
-    converted.good = processSVF(vars, inputFile, outputFile, report);
-  } catch (const ProgramEnd&) {
-  }
-  outputFile.close();
-  converted.output = output.text();
-  converted.messages = report.text;
-  converted.status = report.status;
-  return converted;
-}
+namespace {
 
-Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::KsvfVars& vars) {
-  RecordingReporter report(progmode_svf2ksvf::kMessageStyle);
+/// Runs `convert` on an input, an output, a listing and a reporter.
+template <typename Convert>
+Converted converted(std::string_view svf, const MessageStyle& style, Convert convert) {
+  RecordingReporter report(style);
   MemoryFile input(svf);
   MemoryFile output;
   MemoryFile listing;
   OutputFile outputFile(output.open(), "output");
   OutputFile listingFile(listing.open(), "listing");
-  Converted converted;
+  bool good = false;
   try {
     InputFile inputFile{"input", input.open()};
-    converted.good = processSVF(vars, inputFile, outputFile, &listingFile, report);
+    good = convert(inputFile, outputFile, listingFile, report);
   } catch (const ProgramEnd&) {
   }
   outputFile.close();
   listingFile.close();
-  converted.output = output.text();
-  converted.listing = listing.text();
-  converted.messages = report.text;
-  converted.status = report.status;
-  return converted;
+  return {output.text(), listing.text(), report.text, report.status, good};
+}
+
+}  // namespace
+
+Converted toScript(std::string_view svf, const progmode_svf2tapbus::ScriptVars& vars) {
+  return converted(svf, progmode_svf2tapbus::kMessageStyle,
+                   [&](auto& input, auto& output, auto& /*listing*/, auto& report) {
+                     return processSVF(vars, input, output, report);
+                   });
+}
+
+Converted toKsvf(std::string_view svf, const progmode_svf2ksvf::KsvfVars& vars) {
+  return converted(svf, progmode_svf2ksvf::kMessageStyle,
+                   [&](auto& input, auto& output, auto& listing, auto& report) {
+                     return processSVF(vars, input, output, &listing, report);
+                   });
 }
 
 }  // namespace tapforge::testing
