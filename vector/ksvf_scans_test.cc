@@ -3,7 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "shell/io/text.h"
 #include "tests/support/in_memory.h"
 
 namespace progmode_svf2ksvf {
@@ -11,20 +10,20 @@ namespace {
 
 using tapforge::testing::toKsvf;
 
-// The commands of a listing without their operands, but for run counts, sizes
-// and states: enough to see which goes where.
-std::string commands(std::string_view svf, KsvfVars vars = {.lFpgaRecSize = 128}) {
-  std::string listing = toKsvf(svf, vars).listing;
+// The commands of a listing without their operands, but for run counts and
+// sizes: enough to see which goes where.
+std::string commands(std::string_view svf) {
+  const std::string listing = toKsvf(svf).listing;
   std::string text;
   for (std::size_t at = 0; at < listing.size();) {
-    std::size_t end = listing.find('\n', at);
+    const std::size_t end = listing.find('\n', at);
     const std::string line = listing.substr(at, end - at);
     at = end + 1;
     const std::string name = line.substr(0, line.find(' '));
     if (name == "KREPEAT" || name == "KCOMPLETE" || name == "KTDOMASK") continue;
     if (!text.empty()) text += ' ';
     text += name.substr(1);
-    if (name == "KRUNTEST" || name == "KSDRSIZE" || name == "KSTATE") {
+    if (name == "KRUNTEST" || name == "KSDRSIZE") {
       text += std::to_string(std::stol(line.substr(line.rfind(' ')), nullptr, 16));
     }
   }
@@ -55,35 +54,6 @@ TEST(KsvfScans, RunCountsOfStatementSequences) {
       {kWait + kSdr + "TRST OFF;" + kSdr, "RUNTEST7 SDRSIZE8 SDRTDO RUNTEST0 SDRTDO"},
   };
   for (const auto& [svf, expected] : cases) EXPECT_EQ(commands(svf), expected) << svf;
-}
-
-TEST(KsvfScans, CutsLongScansIntoRecords) {
-  const auto records = [](long bits) {
-    return commands(tapforge::concat("SDR ", bits, " TDI (0);"),
-                    {.iFpgaFormat = true, .lFpgaRecSize = 128});
-  };
-  EXPECT_EQ(records(128), "SDRSIZE128 RUNTEST0 SDRTDO");
-  EXPECT_EQ(records(129), "SDRSIZE128 RUNTEST0 SDRB SDRSIZE1 SDRE");
-  EXPECT_EQ(records(256), "SDRSIZE128 RUNTEST0 SDRB SDRE");
-  EXPECT_EQ(records(300), "SDRSIZE128 RUNTEST0 SDRB SDRC SDRSIZE44 SDRE");
-}
-
-TEST(KsvfScans, WritesAMaskOnlyWhenItsLeadingDigitsDiffer) {
-  const auto masks = [](std::string_view svf) {
-    const std::string listing = toKsvf(svf).listing;
-    std::string text;
-    for (std::size_t at = 0; (at = listing.find("KTDOMASK 0x", at)) != std::string::npos;) {
-      at += 11;
-      text += listing.substr(at, listing.find('\n', at) - at) + " ";
-    }
-    return text;
-  };
-  EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(f0); SDR 8 TDO(2);"), "f0 ");
-  EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(f0); SDR 8 TDI(0);"), "f0 00 ");
-  // A shorter mask is compared over its own digits, a longer one differs.
-  EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(fa); SDR 4 TDI(0) TDO(1) MASK(f);"), "fa ");
-  EXPECT_EQ(masks("SDR 4 TDI(0) TDO(1) MASK(f); SDR 8 TDI(0) TDO(1) MASK(fa);"), "0f fa ");
-  EXPECT_EQ(masks("SDR 8 TDI(0) TDO(1) MASK(fa); SDR 4 TDI(0) TDO(1) MASK(a);"), "fa 0a ");
 }
 
 }  // namespace

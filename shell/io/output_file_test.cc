@@ -47,24 +47,6 @@ TEST_F(OutputFileTest, WritesTheSameInBlocksOfAnySize) {
   }
 }
 
-TEST_F(OutputFileTest, KeepsWhatItHeldUntilItBegins) {
-  OutputFile first = open();
-  first.write("a long text");
-  first.close();
-  {
-    OutputFile never = open();
-    never.write("short");
-    EXPECT_FALSE(never.begun());
-  }
-  EXPECT_EQ(content(), "a long text");
-  OutputFile second = open();
-  second.begin();
-  EXPECT_EQ(content(), "");
-  second.write("short");
-  second.close();
-  EXPECT_EQ(content(), "short");
-}
-
 TEST(OutputFile, FailsOnce) {
   FilePtr full = openForWriting("/dev/full");
   if (full == nullptr) GTEST_SKIP() << "no file here is always full";
