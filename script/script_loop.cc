@@ -4,6 +4,7 @@
 #include "script/script_traits.h"
 #include "script/script_writer.h"
 #include "svf/state_statements.h"
+#include "svf/statement_loop.h"
 
 namespace progmode_svf2tapbus {
 namespace {
@@ -20,61 +21,15 @@ class ScriptLoop {
                                     : makeSvfWriter(vars, output, report)),
         channel_(input, kSyntaxRules, report, writer_.get()) {}
 
-  bool processSVF() {
-    bool allKnown = true;
-    while (channel_.lexKeyword()) {
-      if (vars_.lGlobPrintLine > 0) writeLineMarker();
-      const Keyword keyword = tapforge::keywordOf(channel_);
-      if (keyword == Keyword::unknown) {
-        allKnown = tapforge::skipUnknown(channel_) && allKnown;
-      } else {
-        doStatement(keyword);
-      }
-    }
-    return allKnown;
-  }
+  bool processSVF() { return tapforge::doStatements(channel_, *this); }
 
- private:
-  void writeLineMarker() {
+  void beforeKeyword() {}
+
+  // Marks every lGlobPrintLine-th line.
+  void afterKeyword() {
+    if (vars_.lGlobPrintLine <= 0) return;
     const std::int64_t line = channel_.lineNumber();
     if (line % vars_.lGlobPrintLine == 0) writer_->lineMarker(line);
-  }
-
-  void doStatement(Keyword keyword) {
-    switch (keyword) {
-      case Keyword::hir:
-      case Keyword::hdr:
-      case Keyword::tir:
-      case Keyword::tdr:
-      case Keyword::sir:
-      case Keyword::sdr:
-        doScan(keyword);
-        break;
-      case Keyword::runtest:
-        doRunTest();
-        break;
-      case Keyword::state:
-        doState();
-        break;
-      case Keyword::endir:
-      case Keyword::enddr:
-        doEndState(registerOf(keyword));
-        break;
-      case Keyword::frequency:
-        doFrequency();
-        break;
-      case Keyword::trst:
-        doTrst();
-        break;
-      case Keyword::piomap:
-        doPioMap();
-        break;
-      case Keyword::pio:
-        doPio();
-        break;
-      case Keyword::unknown:
-        break;
-    }
   }
 
   void doScan(Keyword keyword) {
@@ -132,6 +87,7 @@ class ScriptLoop {
   void doPioMap() { pGlobTapData_.pPioMap = tapforge::readPioMap(channel_); }
   void doPio() { tapforge::readPio(pGlobTapData_.pPioMap, channel_); }
 
+ private:
   const ScriptVars& vars_;
   std::unique_ptr<ScriptWriter> writer_;
   FileChannel channel_;

@@ -8,6 +8,7 @@
 #include "svf/numbers.h"
 #include "svf/runtest.h"
 #include "svf/state_statements.h"
+#include "svf/statement_loop.h"
 #include "vector/ksvf_moves.h"
 #include "vector/ksvf_scans.h"
 #include "vector/ksvf_traits.h"
@@ -37,19 +38,106 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   bool processSVF() {
     ksvfHeaderTrailer(Frame::header);
-    bool allKnown = true;
-    for (;;) {
-      channel_.resetSrcLineBuf();
-      if (!channel_.lexKeyword()) break;
-      const Keyword keyword = tapforge::keywordOf(channel_);
-      if (keyword == Keyword::unknown) {
-        allKnown = tapforge::skipUnknown(channel_) && allKnown;
-      } else {
-        doStatement(keyword);
-      }
-    }
+    const bool allKnown = tapforge::doStatements(channel_, *this);
     ksvfHeaderTrailer(Frame::trailer);
     return allKnown;
+  }
+
+  void beforeKeyword() { channel_.resetSrcLineBuf(); }
+  void afterKeyword() {}
+
+  void doScan(Keyword keyword) {
+    scans_.writeOverwritten(keyword);
+    if (shiftsData(keyword)) pGlobTapData_.iSvfTrstRule = true;
+    const bool accepted = tapforge::readTapData(keyword, pGlobTapData_, channel_);
+    writeSvfSrc();
+    if (!accepted) tapforge::endByRuleViolation(report_);
+    if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
+    if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
+    scans_.doDataShift(keyword);
+    // An SDR leaves the flag set: one RUNTEST before several SDRs applies to each.
+    if (keyword != Keyword::sdr) scans_.setRunTestFlag(false);
+  }
+
+  void doState() {
+    scans_.writePending(StaleCount::cancel);
+    tapforge::StatePathReader pStatePath(iCurState_, channel_);
+    TapState previous = iCurState_;
+    while (const auto step = pStatePath.next()) {
+      if (step->oneClock) {
+        moves_.addTapTransition(step->state);
+      } else {
+        moves_.doStableState(previous, step->state);
+      }
+      previous = step->state;
+    }
+    iCurState_ = previous;
+    statementDone();
+  }
+
+  void doEndState(ScanRegister which) {
+    const TapState state = tapforge::readEndState(channel_);
+    (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
+    const bool beforeRunTest = nextIsRunTest();
+    if (beforeRunTest && !vars_.giUseKwait) {
+      g_iDelayedEndxR_ = true;
+      g_iStoredEndMode_ = which;
+      g_iStoredEndTap_ = state;
+    } else {
+      writeEndState(which, state);
+    }
+    statementDone();
+  }
+
+  void doRunTest() {
+    pGlobTapData_.iSvfTrstRule = true;
+    scans_.setRunTestFlag(true);
+    if (vars_.giUseKwait) scans_.writePending(StaleCount::keep);
+    std::int64_t count = readRunCount();
+    // RUNTESTs in a row are one wait.
+    while (!vars_.giUseKwait && nextIsRunTest()) {
+      channel_.lex();
+      count = tapforge::saturatedSum(count, readRunCount());
+    }
+    count = std::max(count, vars_.lRunMin);
+    if (vars_.giUseKwait) {
+      moves_.wait(pGlobTapData_.iRunState, pGlobTapData_.iRunEndState, count);
+    } else {
+      if (scans_.writeRunCount(count) && vars_.iMultipleRunTest) scans_.writeEmptyScan();
+      scans_.writePending(StaleCount::keep);
+    }
+    writeSvfSrc();
+    iCurState_ = pGlobTapData_.iRunEndState;
+    if (g_iDelayedEndxR_) {
+      writeEndState(g_iStoredEndMode_, g_iStoredEndTap_);
+      scans_.setRunTestFlag(false);
+      g_iDelayedEndxR_ = false;
+    }
+  }
+
+  void doFrequency() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.fTckFreq = tapforge::readFrequency(channel_);
+    statementDone();
+  }
+
+  void doTrst() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.iTrstMode =
+        tapforge::readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+    statementDone();
+  }
+
+  void doPioMap() {
+    scans_.writePending(StaleCount::cancel);
+    pGlobTapData_.pPioMap = tapforge::readPioMap(channel_);
+    statementDone();
+  }
+
+  void doPio() {
+    scans_.writePending(StaleCount::cancel);
+    tapforge::readPio(pGlobTapData_.pPioMap, channel_);
+    statementDone();
   }
 
  private:
@@ -79,71 +167,10 @@ class KsvfLoop final : private tapforge::CommentSink {
     if (vars_.iOptPrintSrc >= 2) commands_.writeComment(channel_.srcEcho());
   }
 
-  void doStatement(Keyword keyword) {
-    switch (keyword) {
-      case Keyword::hir:
-      case Keyword::hdr:
-      case Keyword::tir:
-      case Keyword::tdr:
-      case Keyword::sir:
-      case Keyword::sdr:
-        doScan(keyword);
-        return;
-      case Keyword::runtest:
-        doRunTest();
-        return;
-      case Keyword::endir:
-      case Keyword::enddr:
-        doEndState(registerOf(keyword));
-        break;
-      case Keyword::state:
-        doState();
-        break;
-      case Keyword::frequency:
-        doFrequency();
-        break;
-      case Keyword::trst:
-        doTrst();
-        break;
-      case Keyword::piomap:
-        doPioMap();
-        break;
-      case Keyword::pio:
-        doPio();
-        break;
-      case Keyword::unknown:
-        return;
-    }
+  // After all statements but scans and RUNTESTs.
+  void statementDone() {
     writeSvfSrc();
     scans_.setRunTestFlag(false);
-  }
-
-  void doScan(Keyword keyword) {
-    scans_.writeOverwritten(keyword);
-    if (shiftsData(keyword)) pGlobTapData_.iSvfTrstRule = true;
-    const bool accepted = tapforge::readTapData(keyword, pGlobTapData_, channel_);
-    writeSvfSrc();
-    if (!accepted) tapforge::endByRuleViolation(report_);
-    if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
-    if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
-    scans_.doDataShift(keyword);
-    // An SDR leaves the flag set: one RUNTEST before several SDRs applies to each.
-    if (keyword != Keyword::sdr) scans_.setRunTestFlag(false);
-  }
-
-  void doState() {
-    scans_.writePending(StaleCount::cancel);
-    tapforge::StatePathReader pStatePath(iCurState_, channel_);
-    TapState previous = iCurState_;
-    while (const auto step = pStatePath.next()) {
-      if (step->oneClock) {
-        moves_.addTapTransition(step->state);
-      } else {
-        moves_.doStableState(previous, step->state);
-      }
-      previous = step->state;
-    }
-    iCurState_ = previous;
   }
 
   // Looks at the next keyword and leaves it for the loop.
@@ -153,48 +180,9 @@ class KsvfLoop final : private tapforge::CommentSink {
     return channel_.is("runtest");
   }
 
-  void doEndState(ScanRegister which) {
-    const TapState state = tapforge::readEndState(channel_);
-    (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
-    const bool beforeRunTest = nextIsRunTest();
-    if (beforeRunTest && !vars_.giUseKwait) {
-      g_iDelayedEndxR_ = true;
-      g_iStoredEndMode_ = which;
-      g_iStoredEndTap_ = state;
-    } else {
-      writeEndState(which, state);
-    }
-  }
-
   void writeEndState(ScanRegister which, TapState state) {
     scans_.writePending(StaleCount::cancel);
     moves_.endState(which, state);
-  }
-
-  void doRunTest() {
-    pGlobTapData_.iSvfTrstRule = true;
-    scans_.setRunTestFlag(true);
-    if (vars_.giUseKwait) scans_.writePending(StaleCount::keep);
-    std::int64_t count = readRunCount();
-    // RUNTESTs in a row are one wait.
-    while (!vars_.giUseKwait && nextIsRunTest()) {
-      channel_.lex();
-      count = tapforge::saturatedSum(count, readRunCount());
-    }
-    count = std::max(count, vars_.lRunMin);
-    if (vars_.giUseKwait) {
-      moves_.wait(pGlobTapData_.iRunState, pGlobTapData_.iRunEndState, count);
-    } else {
-      if (scans_.writeRunCount(count) && vars_.iMultipleRunTest) scans_.writeEmptyScan();
-      scans_.writePending(StaleCount::keep);
-    }
-    writeSvfSrc();
-    iCurState_ = pGlobTapData_.iRunEndState;
-    if (g_iDelayedEndxR_) {
-      writeEndState(g_iStoredEndMode_, g_iStoredEndTap_);
-      scans_.setRunTestFlag(false);
-      g_iDelayedEndxR_ = false;
-    }
   }
 
   // Reads one RUNTEST, stores its states and returns its count in TCKs.
@@ -229,27 +217,6 @@ class KsvfLoop final : private tapforge::CommentSink {
     report_.warning(concat("=> ", whole ? std::to_string(time.integer) : std::to_string(time.real),
                            " ", channel_.tokenLower(), " to ", clocks, " TCKs"));
     return static_cast<float>(clocks);
-  }
-
-  void doFrequency() {
-    scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.fTckFreq = tapforge::readFrequency(channel_);
-  }
-
-  void doTrst() {
-    scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.iTrstMode =
-        tapforge::readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
-  }
-
-  void doPioMap() {
-    scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.pPioMap = tapforge::readPioMap(channel_);
-  }
-
-  void doPio() {
-    scans_.writePending(StaleCount::cancel);
-    tapforge::readPio(pGlobTapData_.pPioMap, channel_);
   }
 
   const KsvfVars& vars_;
