@@ -9,9 +9,9 @@
 using tapforge::testing::Converted;
 using tapforge::testing::toKsvf;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto input = tapforge::fuzz::parseInput(data, size);
-  if (!input.usable) return 0;
+namespace {
+
+void convert(const tapforge::fuzz::InputFile& input) {
   const auto option = [&input](unsigned bit) { return (input.options >> bit & 1) != 0; };
   progmode_svf2ksvf::KsvfVars vars;
   vars.iFpgaFormat = option(0);
@@ -34,9 +34,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tapforge::fuzz::require(converted.output.substr(0, 2) == "\x07\x20", "KREPEAT stands first");
   if (!converted.good) {
     tapforge::fuzz::require(!converted.messages.empty(), "a failure says why");
-    return 0;
+    return;
   }
   tapforge::fuzz::require(converted.output.back() == '\0', "KCOMPLETE stands last");
   tapforge::fuzz::require(converted.listing.ends_with("KCOMPLETE\n"), "the listing is whole");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  tapforge::fuzz::forEachFile(data, size, convert);
   return 0;
 }
