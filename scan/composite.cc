@@ -5,16 +5,12 @@
 namespace tapforge {
 namespace {
 
-std::uint64_t fillOf(ScanValue value) {
-  return value == ScanValue::tdi || value == ScanValue::smask ? ~std::uint64_t{0} : 0;
-}
-
 // A header's or trailer's bits of at most 64, moved up to their place.
-std::uint64_t frameBits(const CTapPattern& pattern, ScanValue value, std::int64_t low) {
+std::uint64_t frameBits(const CTapPattern& pattern, const ScanValueRow& row, std::int64_t low) {
   if (pattern.lLength() == 0) return 0;
-  const CTapField* const field = pattern[value];
+  const CTapField* const field = pattern[row.value];
   const std::uint64_t bits =
-      field != nullptr ? field->shortBits() : fillOf(value) & lowBits(pattern.lLength());
+      field != nullptr ? field->shortBits() : row.fill & lowBits(pattern.lLength());
   return bits << low;
 }
 
@@ -27,18 +23,19 @@ void RegisterScan::makeFrame() {
                        __builtin_add_overflow(sum, trail_.lLength(), &sum);
   length_ = tooLong ? kTooLong : sum;
   if (tooLong || sum > kWordBits) return;
-  for (const ScanValue value : kScanValues) {
-    frame_[static_cast<std::size_t>(value)] =
-        frameBits(head_, value, 0) | frameBits(trail_, value, sum - trail_.lLength());
+  for (const ScanValueRow& row : kScanValues) {
+    frame_[indexOf(row.value)] =
+        frameBits(head_, row, 0) | frameBits(trail_, row, sum - trail_.lLength());
   }
 }
 
 CompositeScan::CompositeScan(const RegisterScan& scan, ScanValue value, std::int64_t length) {
   const std::int64_t dataBegin = scan.head().lLength();
   const std::int64_t dataEnd = dataBegin + scan.data().lLength();
-  pieces_ = {{{scan.head()[value], fillOf(value), 0, dataBegin},
+  const std::uint64_t fill = kScanValues[indexOf(value)].fill;
+  pieces_ = {{{scan.head()[value], fill, 0, dataBegin},
               {scan.data()[value], ~std::uint64_t{0}, dataBegin, dataEnd},
-              {scan.trail()[value], fillOf(value), dataEnd, length}}};
+              {scan.trail()[value], fill, dataEnd, length}}};
   setBody(scan.data()[value], dataBegin, dataEnd);
 }
 

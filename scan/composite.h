@@ -42,7 +42,7 @@ class RegisterScan {
     assert(frameFor_ == data_.lLength() && length_ <= kWordBits);
     const CTapField* const field = data_[value];
     const std::uint64_t bits = field != nullptr ? field->shortBits() : lowBits(data_.lLength());
-    return frame_[static_cast<std::size_t>(value)] | bits << head_.lLength();
+    return frame_[indexOf(value)] | bits << head_.lLength();
   }
 
  private:

@@ -11,7 +11,7 @@ namespace {
 // Gives a pattern random values of `length` bits, all or only a TDI.
 void fill(CTapPattern& pattern, std::int64_t length, bool all, std::mt19937& random) {
   ScanValues given;
-  for (const ScanValue value : kScanValues) {
+  for (const auto& [value, word, fill] : kScanValues) {
     if (length == 0 || (!all && value != ScanValue::tdi)) continue;
     given.add(value);
     CTapField& field = pattern.storage(value);
@@ -54,7 +54,7 @@ TEST(CompositeScan, IsHeaderDataAndTrailerBitByBit) {
     scan.frameChanged();
     const std::int64_t length = scan.length();
     ASSERT_EQ(length, head.lLength() + data.lLength() + trail.lLength());
-    for (const ScanValue value : kScanValues) {
+    for (const auto& [value, word, fill] : kScanValues) {
       const char filler = value == ScanValue::tdi || value == ScanValue::smask ? '1' : '0';
       const std::string expected = plain(head, value, filler) + plain(data, value, '1') +
                                    plain(trail, value, filler) + std::string(64, '0');

@@ -102,10 +102,9 @@ bool isZero(const CTapField& field) {
 
 /// The value that the current word of a scan statement names.
 ScanValue valueNamed(FileChannel& channel) {
-  if (channel.is("tdi")) return ScanValue::tdi;
-  if (channel.is("tdo")) return ScanValue::tdo;
-  if (channel.is("mask")) return ScanValue::mask;
-  if (channel.is("smask")) return ScanValue::smask;
+  for (const ScanValueRow& row : kScanValues) {
+    if (channel.is(row.word)) return row.value;
+  }
   channel.report().fatal(concat("Invalid SDR format [", channel.tokenLower(), "]"));
 }
 

@@ -22,7 +22,7 @@ std::string scan(const std::string& statements) {
     EXPECT_TRUE(readTapData(Keyword::sdr, tap, source.channel));
   }
   std::string text = source.report.text + "\n";
-  for (const ScanValue value : kScanValues) {
+  for (const auto& [value, word, fill] : kScanValues) {
     const CTapField* const field = tap.pTapData[value];
     for (std::int64_t i = field == nullptr ? 0 : field->lNumChars(); i-- > 0;) {
       text += "0123456789abcdef"[field->getTapDataChar(i)];

@@ -19,8 +19,8 @@ bool CTapPattern::setPattern(std::int64_t length, ScanValues given) {
 // Storage of values that are no longer in force; a little is kept for the next
 // statement.
 void CTapPattern::freeUnused() {
-  for (const ScanValue value : kScanValues) {
-    if (!inForce_.has(value)) fields_[static_cast<std::size_t>(value)].freeLarge();
+  for (const ScanValueRow& row : kScanValues) {
+    if (!inForce_.has(row.value)) fields_[indexOf(row.value)].freeLarge();
   }
   held_ = inForce_;
 }

@@ -7,14 +7,29 @@
 #include <cstdint>
 
 #include "scan/tap_field.h"
+#include "svf/word.h"
 
 namespace tapforge {
 
 /// The values of a scan: bits shifted in, bits expected out, which of these are
 /// compared, which of those shifted in matter.
-enum class ScanValue : std::uint8_t { tdi, tdo, mask, smask };
-inline constexpr std::array kScanValues = {ScanValue::tdi, ScanValue::tdo, ScanValue::mask,
-                                           ScanValue::smask};
+enum class ScanValue : std::uint8_t { tdi, tdo, mask, smask, count };
+
+constexpr std::size_t indexOf(ScanValue value) { return static_cast<std::size_t>(value); }
+
+struct ScanValueRow {
+  ScanValue value;
+  Word word;           // in a statement
+  std::uint64_t fill;  // 64 bits of it where a header or trailer does not give it
+};
+inline constexpr std::array kScanValues = std::to_array<ScanValueRow>({
+    {ScanValue::tdi, "tdi", ~std::uint64_t{0}},
+    {ScanValue::tdo, "tdo", 0},
+    {ScanValue::mask, "mask", 0},
+    {ScanValue::smask, "smask", ~std::uint64_t{0}},
+});
+static_assert(kScanValues.size() == indexOf(ScanValue::count) &&
+              rowsByNumber(kScanValues, &ScanValueRow::value));
 
 /// A set of the values.
 class ScanValues {
@@ -46,8 +61,8 @@ class CTapPattern {
 
   /// A value, or null when it is not in force.
   const CTapField* operator[](ScanValue value) const {
-    assert(static_cast<std::size_t>(value) < fields_.size());
-    return inForce_.has(value) ? &fields_[static_cast<std::size_t>(value)] : nullptr;
+    assert(indexOf(value) < fields_.size());
+    return inForce_.has(value) ? &fields_[indexOf(value)] : nullptr;
   }
   const CTapField* pTdi() const { return (*this)[ScanValue::tdi]; }
   const CTapField* pTdo() const { return (*this)[ScanValue::tdo]; }
@@ -58,9 +73,9 @@ class CTapPattern {
   /// one storage for the old and the new one, so both never exist together;
   /// setPattern() must follow.
   CTapField& storage(ScanValue value) {
-    assert(static_cast<std::size_t>(value) < fields_.size());
+    assert(indexOf(value) < fields_.size());
     held_.add(value);
-    return fields_[static_cast<std::size_t>(value)];
+    return fields_[indexOf(value)];
   }
 
  private:

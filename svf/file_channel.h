@@ -1,7 +1,6 @@
 #ifndef TAPFORGE_SVF_FILE_CHANNEL_H
 #define TAPFORGE_SVF_FILE_CHANNEL_H
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -13,23 +12,12 @@
 #include "shell/io/files.h"
 #include "shell/io/reporter.h"
 #include "svf/syntax_rules.h"
+#include "svf/word.h"
 
 namespace tapforge {
 
 /// `cutSlash` is the punctuation "/" as the last character of a part of a line.
 enum class TokenType : std::uint8_t { word, number, cutSlash, punctuation, other };
-
-/// A word that a token is compared with: lower case, known when compiling.
-struct Word {
-  // NOLINTNEXTLINE(google-explicit-constructor): "is("tdi")" is the point of it.
-  constexpr Word(const char* literal) : text(literal) {
-    for (std::size_t i = 0; i < text.size() && i < 8; ++i) {
-      key |= static_cast<std::uint64_t>(static_cast<unsigned char>(text[i])) << (8 * i);
-    }
-  }
-  std::string_view text;
-  std::uint64_t key = 0;  // the first eight characters, the first one lowest
-};
 
 /// Told of the comments of the source where they are met, also in the middle of
 /// a statement.
@@ -95,14 +83,14 @@ class FileChannel final : public InputPosition {
   /// Compares the current token in lower case.
   bool is(const Word& word) const {
     if (word.text.size() > sizeof key_) return isLong(word.text);
-    return key_ == word.key && tokenSize_ == word.text.size();
+    // No character of a word is 0, so a key of fewer than eight tells their number too.
+    return key_ == word.key && (word.text.size() < sizeof key_ || tokenSize_ == sizeof key_);
   }
 
   TokenType type() const { return iTokenType_; }
   /// The value of a number token; saturates beyond 64 bits.
   std::int64_t number() const { return number_; }
-  /// The first eight characters of the token in lower case, the first one
-  /// lowest: what Word::key is compared with. 0 for numbers.
+  /// Word::keyOf() of the token in lower case; 0 for numbers.
   std::uint64_t key() const { return key_; }
   /// The current token; good until the next one is read.
   std::string_view tokenAsWritten() const {

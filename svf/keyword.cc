@@ -8,49 +8,72 @@
 namespace tapforge {
 namespace {
 
-// By Keyword. Each is told from all words by its first eight characters and its
-// length.
-constexpr std::array<Word, 15> kKeywords = {"",    "hir",    "hdr",     "tir",   "tdr",
-                                            "sir", "sdr",    "endir",   "enddr", "frequency",
-                                            "pio", "piomap", "runtest", "state", "trst"};
-static_assert(kKeywords[static_cast<std::size_t>(Keyword::trst)].text == "trst");
+using enum Keyword;
 
-constexpr std::uint64_t keyOf(Keyword keyword) {
-  return kKeywords[static_cast<std::size_t>(keyword)].key;
+struct KeywordRow {
+  Keyword keyword;
+  Word word;
+};
+
+constexpr std::array kKeywords = std::to_array<KeywordRow>({
+    {unknown, ""},
+    {hir, "hir"},
+    {hdr, "hdr"},
+    {tir, "tir"},
+    {tdr, "tdr"},
+    {sir, "sir"},
+    {sdr, "sdr"},
+    {endir, "endir"},
+    {enddr, "enddr"},
+    {frequency, "frequency"},
+    {pio, "pio"},
+    {piomap, "piomap"},
+    {runtest, "runtest"},
+    {state, "state"},
+    {trst, "trst"},
+});
+static_assert(rowsByNumber(kKeywords, &KeywordRow::keyword));
+
+constexpr const Word& wordOf(Keyword keyword) {
+  return kKeywords[static_cast<std::size_t>(keyword)].word;
 }
 
+constexpr std::uint64_t keyOf(Keyword keyword) { return wordOf(keyword).key; }
+
+// The only keyword that can have this key. A table looked up by a remainder of the
+// key took ten instructions more a statement.
 Keyword keywordWithKey(std::uint64_t key) {
   switch (key) {
-    case keyOf(Keyword::hir):
-      return Keyword::hir;
-    case keyOf(Keyword::hdr):
-      return Keyword::hdr;
-    case keyOf(Keyword::tir):
-      return Keyword::tir;
-    case keyOf(Keyword::tdr):
-      return Keyword::tdr;
-    case keyOf(Keyword::sir):
-      return Keyword::sir;
-    case keyOf(Keyword::sdr):
-      return Keyword::sdr;
-    case keyOf(Keyword::endir):
-      return Keyword::endir;
-    case keyOf(Keyword::enddr):
-      return Keyword::enddr;
-    case keyOf(Keyword::frequency):
-      return Keyword::frequency;
-    case keyOf(Keyword::pio):
-      return Keyword::pio;
-    case keyOf(Keyword::piomap):
-      return Keyword::piomap;
-    case keyOf(Keyword::runtest):
-      return Keyword::runtest;
-    case keyOf(Keyword::state):
-      return Keyword::state;
-    case keyOf(Keyword::trst):
-      return Keyword::trst;
+    case keyOf(hir):
+      return hir;
+    case keyOf(hdr):
+      return hdr;
+    case keyOf(tir):
+      return tir;
+    case keyOf(tdr):
+      return tdr;
+    case keyOf(sir):
+      return sir;
+    case keyOf(sdr):
+      return sdr;
+    case keyOf(endir):
+      return endir;
+    case keyOf(enddr):
+      return enddr;
+    case keyOf(frequency):
+      return frequency;
+    case keyOf(pio):
+      return pio;
+    case keyOf(piomap):
+      return piomap;
+    case keyOf(runtest):
+      return runtest;
+    case keyOf(state):
+      return state;
+    case keyOf(trst):
+      return trst;
     default:
-      return Keyword::unknown;
+      return unknown;
   }
 }
 
@@ -58,13 +81,10 @@ Keyword keywordWithKey(std::uint64_t key) {
 
 Keyword keywordOf(const FileChannel& channel) {
   const Keyword found = keywordWithKey(channel.key());
-  const bool same = channel.is(kKeywords[static_cast<std::size_t>(found)]);
-  return same ? found : Keyword::unknown;
+  return channel.is(wordOf(found)) ? found : unknown;
 }
 
-std::string_view nameOf(Keyword keyword) {
-  return kKeywords[static_cast<std::size_t>(keyword)].text;
-}
+std::string_view nameOf(Keyword keyword) { return wordOf(keyword).text; }
 
 bool skipUnknown(FileChannel& channel) {
   if (isSpace(static_cast<unsigned char>(channel.tokenAsWritten().front()))) return true;

@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cstddef>
 
+#include "svf/word.h"
+
 namespace tapforge {
 namespace {
 
@@ -37,13 +39,7 @@ constexpr std::array kStates = std::to_array<StateRow>({
     {irupdate, "irupdate", idle, drselect},
 });
 
-constexpr bool rowsStandByNumber() {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(unknown); ++i) {
-    if (kStates[i].state != static_cast<TapState>(i)) return false;
-  }
-  return true;
-}
-static_assert(rowsStandByNumber());
+static_assert(rowsByNumber(kStates, &StateRow::state, static_cast<std::size_t>(unknown)));
 
 const StateRow& rowOf(TapState state) {
   assert(state != unknown);

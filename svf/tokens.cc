@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <limits>
 
@@ -25,7 +26,7 @@ constexpr std::array<std::uint64_t, 9> makeKeyMasks() {
 }
 constexpr std::array<std::uint64_t, 9> kKeyMasks = makeKeyMasks();
 
-// The first eight of `size` characters in lower case, as Word::key holds them.
+// Word::keyOf() of `size` characters in lower case.
 // Setting bit 5 also changes "_", but no keyword has one.
 std::uint64_t keyOf(const unsigned char* start, std::size_t size) {
   std::uint64_t key = 0;

@@ -50,7 +50,7 @@ std::string tokens(const std::string& svf, SyntaxRules rules) {
       list.all += kMarks[static_cast<std::size_t>(channel.type())];
       list.all += token;
       if (channel.key() != 0 && token.find('_') == std::string::npos) {
-        EXPECT_TRUE(channel.is(channel.tokenLower().c_str())) << token;
+        EXPECT_EQ(channel.key(), Word::keyOf(channel.tokenLower())) << token;
       }
       const std::string value = std::to_string(channel.number());
       if (channel.type() == TokenType::number && value != token) list.all += "=" + value;
@@ -156,7 +156,7 @@ TEST(Tokens, HaveAPlace) {
 }
 
 TEST(Tokens, AreComparedInAnyCase) {
-  const auto is = [](std::string_view svf, const char* word) {
+  const auto is = [](std::string_view svf, const Word& word) {
     Source source(svf, scriptRules());
     return source.channel.lexIs(word);
   };
