@@ -1,6 +1,7 @@
 #include "scan/hex_digits.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tapforge {
 namespace {
@@ -23,6 +24,7 @@ int hexValue(unsigned char c) { return kValues[c]; }
 
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row,
                       std::int64_t top) {
+  assert(static_cast<std::int64_t>(count) <= top + 1);
   constexpr std::size_t kStep = 16;
   std::size_t done = 0;
   while (done < count) {

@@ -1,7 +1,6 @@
 #ifndef TAPFORGE_SCAN_HEX_DIGITS_H
 #define TAPFORGE_SCAN_HEX_DIGITS_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <span>
 
 #include "scan/hex_digits.h"
 #include "shell/io/text.h"
@@ -46,15 +47,15 @@ class HexReader {
   // where something is to be reported.
   void takeDigits() {
     while (position_ >= 0 && !full_) {
-      const unsigned char* text = channel_.begin();
-      auto count = std::min<std::int64_t>(channel_.end() - text, position_ + 1);
+      const std::span<const unsigned char> text = channel_.ahead();
+      auto count = std::min<std::int64_t>(std::ssize(text), position_ + 1);
       // Progress is shown when position_ becomes a multiple of kProgressStep, so
       // digits are decoded at most up to the next multiple.
       if (position_ > kProgressStep) count = std::min(count, (position_ - 1) % kProgressStep + 1);
       const auto done = static_cast<std::int64_t>(
-          decodeHex(text, static_cast<std::size_t>(count), field_.pData(), position_));
+          decodeHex(text.data(), static_cast<std::size_t>(count), field_.pData(), position_));
       if (done == 0) return;
-      channel_.advancePast(text + done - 1, text + done);
+      channel_.advancePast(text.data() + done - 1, text.data() + done);
       position_ -= done;
       field_.setStart(position_ + 1);
       showProgress();
@@ -121,7 +122,7 @@ void warnOfBitsAboveLength(std::int64_t length, const CTapField& field, Reporter
 /// read. Without it short statements take 15 % more instructions.
 bool readShortValue(std::int64_t length, CTapField& field, FileChannel& channel) {
   // The bytes after the block's text are 0, so no test needs its end.
-  const unsigned char* open = channel.begin();
+  const unsigned char* open = channel.ahead().data();
   while (*open == ' ') ++open;
   if (*open != '(' || length > kWordBits) return false;
   const ShortHex hex = decodeShortHex(open + 1);

@@ -46,7 +46,6 @@ class CTapField {
 
   std::int64_t lLength() const { return lLength_; }              // bits
   std::int64_t lNumChars() const { return digitsOf(lLength_); }  // hex digits
-  std::int64_t lStartChar() const { return lStartChar_; }
 
   /// A digit by its logical or its physical index, both below lNumChars().
   unsigned getTapDataChar(std::int64_t index) const;

@@ -2,7 +2,6 @@
 #define TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 
 #include <memory>
-#include <string>
 #include <string_view>
 
 #include "scan/tap_obj.h"
@@ -102,6 +101,8 @@ class ScriptWriter : public tapforge::CommentSink {
     const CTapField& data;
     const CTapField* mask;
     std::int64_t length;  // bits
+    static constexpr std::size_t kKinds = indexOf(tapforge::ScanValue::mask) + 1;
+
 
     /// All bits of a value of at most 64 bits.
     tapforge::ShortScan shortBits() const {
@@ -136,6 +137,7 @@ class ScriptWriter : public tapforge::CommentSink {
   }
 
   // Characters that a scan takes beside its long values.
+  static_assert(kScanText <= OutputFile::kReserve);
   static constexpr std::size_t kScanText = 256;
 
   const FormWords& words_;

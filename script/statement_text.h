@@ -2,7 +2,6 @@
 #define TAPFORGE_SCRIPT_STATEMENT_TEXT_H
 
 #include <algorithm>
-#include <cassert>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -16,8 +15,7 @@ namespace progmode_svf2tapbus {
 class ShortText {
  public:
   // NOLINTNEXTLINE(google-explicit-constructor): a literal is meant to become one.
-  constexpr ShortText(const char* literal) : size_(std::string_view(literal).size()) {
-    assert(size_ <= sizeof text_);
+  consteval ShortText(const char* literal) : size_(std::string_view(literal).size()) {
     std::copy_n(literal, size_, text_);
   }
   std::string_view view() const { return {text_, size_}; }

@@ -27,7 +27,7 @@ class SvfWriter final : public ScriptWriter {
       : ScriptWriter(kWords, vars, output, report) {}
 
   void endStateStatement(ScanRegister which, TapState state) override {
-    sBufStatement_ = which == ScanRegister::data ? "ENDDR " : "ENDIR ";
+    sBufStatement_ = which == ScanRegister::data ? ShortText("ENDDR ") : ShortText("ENDIR ");
     sBufStatement_ += tapforge::xToUpper(tapforge::getTapStateName(state));
     sBufStatement_ += " ;";
   }
@@ -60,9 +60,10 @@ class SvfWriter final : public ScriptWriter {
   // Values stand in comment lines, each "(" under those of the merged scans.
   void printValue(const Value& value) override {
     static constexpr ShortText kLabels[] = {"\n!   TDI (", "\n!   TDO (", "\n!  MASK ("};
+    static_assert(std::size(kLabels) == Value::kKinds);
     const std::int64_t digits = tapforge::digitsOf(value.length);
     char* out = output_.reserve(kScanText);
-    out = kLabels[static_cast<std::size_t>(value.which)].copyTo(out);
+    out = kLabels[indexOf(value.which)].copyTo(out);
     if (value.length <= tapforge::kWordBits) {
       out = tapforge::putDigits(out, value.shortBits(), 0, digits, tapforge::HexCase::upper);
     } else {

@@ -70,12 +70,14 @@ class TclWriter final : public ScriptWriter {
 
   // Values of scans are arguments, those of headers and trailers properties.
   void printValue(const Value& value) override {
-    const auto which = static_cast<std::size_t>(value.which);
+    const std::size_t which = indexOf(value.which);
     if (value.keyword.empty()) {
       static constexpr ShortText kArguments[] = {" -tdi ", " -tdo ", " -mask "};
+      static_assert(std::size(kArguments) == Value::kKinds);
       output_.write(kArguments[which].view());
     } else {
       static constexpr ShortText kProperties[] = {"_TDI {", "_TDO {", "_TDO_mask {"};
+      static_assert(std::size(kProperties) == Value::kKinds);
       output_.write(concat("\nset_property ", value.keyword, kProperties[which].view()));
     }
     printDigits(value);

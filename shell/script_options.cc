@@ -1,7 +1,6 @@
 #include "shell/script_options.h"
 
 #include <cstdio>
-#include <optional>
 
 #include "shell/options.h"
 

@@ -74,7 +74,7 @@ int FileChannel::getFChanChar() {
   if (cur_ == end_ && !fill()) {
     if (atEnd_) endOfFile();
     atEnd_ = true;
-    if (!rules_.hexEndsWithFile) {
+    if (rules_.linesAreCut) {
       iTokenCol_ = sToken_;
       sToken_ = reinterpret_cast<const unsigned char*>(" ");
       tokenSize_ = 1;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -116,10 +117,9 @@ class FileChannel final : public InputPosition {
   /// come as a blank.
   int getFChanChar();
 
-  /// The text in memory from the next character on; at least kPadding more
-  /// bytes can be read but mean nothing.
-  const unsigned char* begin() const { return cur_; }
-  const unsigned char* end() const { return end_; }
+  /// The text in memory from the next character on; the kPadding bytes after it are
+  /// 0 and can be read too.
+  std::span<const unsigned char> ahead() const { return {cur_, end_}; }
   /// Takes all characters before `position`, of which `item` is the last to be
   /// shown in messages.
   void advancePast(const unsigned char* item, const unsigned char* position) {

@@ -38,9 +38,6 @@ class StatePathReader {
   /// stable state.
   std::optional<PathStep> next();
 
-  /// The state read last, or `start`.
-  TapState state() const { return previous_; }
-
  private:
   void checkFinalState();
 

@@ -199,7 +199,7 @@ bool FileChannel::endQuietly() {
   // Where lines are shown, each blank has a column of its own; one that ended
   // the last token has been read with it.
   const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_;
-  if (!rules_.blankIsItem && end_ != keptBegin_ && isSpace(end_[-1]) && !endsToken) {
+  if (rules_.linesAreCut && end_ != keptBegin_ && isSpace(end_[-1]) && !endsToken) {
     iTokenCol_ = end_ - 1;
   }
   atEnd_ = true;

@@ -1,7 +1,6 @@
 #include "vector/ksvf_loop.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "scan/scan_statement.h"
 #include "shell/io/text.h"

@@ -1,9 +1,7 @@
 #include "shell/io/output_file.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
-#include <limits>
 #include <utility>
 
 #include "shell/io/block_size.h"
@@ -25,13 +23,6 @@ OutputFile::OutputFile(FilePtr file, std::string name)
 void OutputFile::begin() {
   if (std::exchange(begun_, true) || pFile_ == nullptr) return;
   if (!emptyFile(pFile_.get())) fail();
-}
-
-void OutputFile::writeDecimal(std::int64_t value) {
-  // All digits and a sign.
-  constexpr std::size_t kMost = std::numeric_limits<std::int64_t>::digits10 + 2;
-  char* const text = reserve(kMost);
-  advance(std::to_chars(text, text + kMost, value).ptr);
 }
 
 void OutputFile::writeLarge(std::string_view text) {

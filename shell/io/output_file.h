@@ -3,7 +3,6 @@
 
 #include <cassert>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -48,9 +47,6 @@ class OutputFile {
     *reserve(1) = c;
     ++next_;
   }
-
-  /// Writes the value in decimal.
-  void writeDecimal(std::int64_t value);
 
   /// Space for `count` characters, at most kReserve, to be filled in place.
   /// Call advance() with the end of what was filled in; anything written

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 #include "tests/support/fakes.h"
 
@@ -37,10 +36,9 @@ TEST_F(OutputFileTest, WritesTheSameInBlocksOfAnySize) {
     for (const std::size_t reserved : {std::size_t{1}, std::size_t{16}, OutputFile::kReserve}) {
       file.write(text);
       file.put('+');
-      file.writeDecimal(std::numeric_limits<std::int64_t>::min());
       file.advance(std::fill_n(file.reserve(reserved), reserved, '.'));
       file.write("");
-      expected += text + "+-9223372036854775808" + std::string(reserved, '.');
+      expected += text + "+" + std::string(reserved, '.');
     }
     file.close();
     EXPECT_EQ(content(), expected) << "block of " << size;
