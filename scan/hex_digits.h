@@ -10,9 +10,8 @@
 namespace tapforge {
 
 /// The loops that every digit of a scan passes through: hex text in, hex text
-/// out, sixteen digits at a time. They depend on nothing else of the program.
-/// The two that machines have fast ways for have a version in namespace
-/// `scalar` with the same results.
+/// out, sixteen digits at a time. The two that some processors have a faster way for
+/// have a version in namespace `scalar` with the same results.
 
 /// The digits that a text begins with, and their value as a number.
 struct ShortHex {
@@ -29,12 +28,12 @@ void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
 /// The value of a hex digit, or -1.
 int hexValue(unsigned char c);
 
-/// Decodes the hex digits at the start of `text`, at most `count`, into the row
-/// of nibbles `row`: the first digit goes to nibble `top`, each further one to
-/// the nibble below (nibble i is in byte i / 2, the low half when i is even),
-/// all of them 0 before. Stops at the first other character and returns the
-/// number of digits decoded. 16 bytes after the text must be readable, and 8
-/// bytes after the row are read and written back as they were.
+/// Decodes the hex digits at the start of `text`, at most `count` (up to `top` + 1),
+/// into the row of nibbles `row`: the first digit goes to nibble `top`, each further
+/// one to the nibble below (nibble i is in byte i / 2, the low half when i is even),
+/// all of them 0 before. Stops at the first other character and returns the number of
+/// digits decoded. 16 bytes after the text must be readable, and 8 bytes after the
+/// row are read and written back as they were.
 std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row,
                       std::int64_t top);
 

@@ -8,10 +8,10 @@
 
 namespace tapforge {
 
-/// Writes `count` (1 to 16) hex digits to `out`, of which sixteen characters
-/// must be writable: those from digit `low` up, digit 0 being the least
-/// significant one. `bits(low)` gives the 64 bits from bit `low` up. Returns the
-/// end of the digits.
+/// Writes digit `low` (0 is the least significant one) and those above it, `count`
+/// (1 to 16) hex digits in all, the most significant one first, to `out`, where
+/// sixteen characters must be writable. `bits(n)` gives the 64 bits from bit n up.
+/// Returns the end of the digits.
 template <typename Bits>
 inline char* putDigits(char* out, const Bits& bits, std::int64_t low, std::int64_t count,
                        HexCase hexCase) {
@@ -21,8 +21,8 @@ inline char* putDigits(char* out, const Bits& bits, std::int64_t low, std::int64
   return out + count;
 }
 
-/// Writes `count` hex digits, from digit `top` downwards. Bits above the digits
-/// asked for do no harm.
+/// Writes `count` hex digits, from digit `top` downwards; `bits` is as above. Bits
+/// above digit `top` do no harm.
 template <typename Bits>
 void writeDigits(OutputFile& output, const Bits& bits, std::int64_t top, std::int64_t count,
                  HexCase hexCase) {

@@ -135,7 +135,7 @@ bool readShortValue(std::int64_t length, CTapField& field, FileChannel& channel)
 }
 
 /// Reads one parenthesised hex value into `field`, `length` bits long. White
-/// space may stand anywhere in it. Missing digits are 0 and the most significant
+/// space may be anywhere in it. Missing digits are 0 and the most significant
 /// ones; surplus digits push out the most significant ones, with a warning for
 /// each that is not 0.
 void readSvfHexData(std::int64_t length, CTapField& field, FileChannel& channel) {

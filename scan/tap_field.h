@@ -16,7 +16,7 @@ namespace tapforge {
 ///
 /// The vector is a row of hex digits, two to a byte: physical digit c lies in
 /// byte c / 2, in the low half when c is even. The row is circular: logical
-/// digit 0, the least significant one, is physical digit lStartChar(), so that a
+/// digit 0, the least significant one, is physical digit lStartChar_, so that a
 /// reader can write digits as they arrive and keep the last ones when too many
 /// do. Bits of the top digit above the length stay as they were written; readers
 /// that go by bit number ignore them.
@@ -57,10 +57,10 @@ class CTapField {
   /// Writes a digit (0 to 15) by its physical index; it becomes logical digit 0.
   void setTapDataChar(std::int64_t index, unsigned value);
 
-  /// Turns the row in place until lStartChar() is 0.
+  /// Turns the row in place until lStartChar_ is 0.
   void normalise();
 
-  /// 64 bits from logical bit `low` up, for a field with lStartChar() 0 and `low`
+  /// 64 bits from logical bit `low` up, for a field with lStartChar_ 0 and `low`
   /// inside it. What lies beyond the last byte is 0.
   std::uint64_t bitsAt(std::int64_t low) const {
     assert(lStartChar_ == 0 && low >= 0 && low < lLength_);
@@ -78,7 +78,7 @@ class CTapField {
   }
 
   /// Stores 64 bits from bit `low` up, a multiple of 8, for a field with
-  /// lStartChar() 0. Bits above the length must be 0.
+  /// lStartChar_ 0. Bits above the length must be 0.
   void putBits(std::int64_t low, std::uint64_t bits) {
     assert(lStartChar_ == 0 && low % 8 == 0 && low >= 0 && low < lLength_);
     storeLittle(pData_.get() + (low >> 3), bits);

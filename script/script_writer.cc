@@ -97,7 +97,7 @@ void ScriptWriter::doDataShift(Keyword keyword, CTapObj& tap, LineRest rest) {
 void ScriptWriter::writeScan(Keyword keyword, RegisterScan& scan, LineRest rest) {
   const std::int64_t length =
       vars_.iSvfSyntaxCheck ? scan.data().lLength() : tapforge::compositeLength(scan, report_);
-  // A whole scan of short values goes into one stretch of the output.
+  // A scan of short values is written into one reserved stretch of the output.
   char* out = output_.reserve(kScanText);
   out = words_.scan[keyword == Keyword::sdr ? 1 : 0].copyTo(out);
   *out++ = ' ';
@@ -132,8 +132,8 @@ char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan
   return out;
 }
 
-// Writes the digits of a value to `out`, long ones in lines of their own stretches,
-// and returns where to go on.
+// Writes the digits of a value to `out` and returns where to go on; those of a long
+// value go out in lines, each reserved for itself.
 inline char* ScriptWriter::consolidateData(char* out, const RegisterScan& scan, ScanValue value,
                                            std::int64_t length) {
   const std::int64_t digits = tapforge::digitsOf(length);
@@ -144,7 +144,7 @@ inline char* ScriptWriter::consolidateData(char* out, const RegisterScan& scan, 
   constexpr std::int64_t kProgressStep = 200000;  // digits
   static_assert(kProgressStep % kDigitsPerLine == 0, "progress is shown between two lines");
   output_.advance(out);
-  // The digits of a line after the first stand under those of the first.
+  // The digits of the lines after the first are right under those of the first.
   writeHexLines(output_, CompositeScan(scan, value, length), digits, HexCase::lower, "\n         ",
                 [this](std::int64_t first) {
                   if (first == 0 || first % kProgressStep != 0) return;
@@ -163,7 +163,7 @@ void ScriptWriter::printDataAndMask(std::string_view keyword, const CTapPattern&
   printValue({keyword, ScanValue::tdi, *pattern.pTdi(), pattern.pSmask(), length});
   if (!withTdo || pattern.pTdo() == nullptr) return;
   printValue({keyword, ScanValue::tdo, *pattern.pTdo(), pattern.pMask(), length});
-  // A mask is a value of its own only beside expected bits.
+  // A mask is shown only with expected bits.
   if (pattern.pMask() != nullptr) {
     printValue({keyword, ScanValue::mask, *pattern.pMask(), nullptr, length});
   }

@@ -26,28 +26,28 @@ using tapforge::ScanRegister;
 using tapforge::TapState;
 using LineRest = tapforge::FileChannel::LineRest;
 
-/// The words of an output form that stand in the same places in all forms.
+/// The words of an output form, for places that are the same in all forms.
 struct FormWords {
-  ShortText comment;  // in front of a comment of the source
+  ShortText comment;  // before a comment of the source
   ShortText scan[2];  // of an instruction scan and of a data scan
   ShortText scanEnd;
-  ShortText state;   // in front of a state path
-  ShortText remark;  // in front of a statement that the form cannot express
-  ShortText runTest;
-  ShortText runState;
-  ShortText endState;  // of a RUNTEST
+  ShortText state;     // before a state path
+  ShortText remark;    // before a statement that the form cannot express
+  ShortText runTest;   // before the parts of a RUNTEST
+  ShortText runState;  // before its states
+  ShortText endState;
   ShortText statementEnd;
 };
 
-/// Writes the statements of mode 0. What the forms of output do alike is here: a
-/// form is a class derived from it (svf_form.cc, tcl_form.cc), which gives its
-/// words and writes what has another shape in each form.
+/// Writes the statements of mode 0. What the forms of output do alike is here; each
+/// form is a class derived from it (svf_form.cc, tcl_form.cc) that gives its words
+/// and writes what differs.
 ///
-/// The text of a statement that is no scan is gathered in sBufStatement while the
-/// statement is read, so that a comment met inside it comes out in front of it;
-/// writeStatement() writes it. Scans are written at once. `rest` says how a
-/// statement's source line goes on: statements that share a line of the source
-/// share one of the output, and keep their distance.
+/// The text of a statement that is no scan is gathered in sBufStatement_ while the
+/// statement is read, so a comment inside the statement is written before it;
+/// writeStatement() writes the text. Scans are written when they have been read.
+/// `rest` is what follows the statement on its source line: statements on one line
+/// of the source come to one line of the output, with the same blanks between them.
 class ScriptWriter : public tapforge::CommentSink {
  public:
   ScriptWriter(const FormWords& words, const ScriptVars& vars, OutputFile& output, Reporter& report)
@@ -62,10 +62,9 @@ class ScriptWriter : public tapforge::CommentSink {
   /// A Tcl command that prints the number of a source line.
   void lineMarker(std::int64_t line);
 
-  /// Writes one scan, header or trailer statement from the patterns as they
-  /// stand: SIR and SDR as the scan of the whole chain, or unmerged with -c;
-  /// headers and trailers as comments or properties, since their bits travel in
-  /// every merged scan.
+  /// Writes a scan, header or trailer statement with the values now in force: SIR
+  /// and SDR as the scan of the whole chain, or unmerged with -c; headers and
+  /// trailers as comments or properties, since merged scans hold their bits.
   void doDataShift(Keyword keyword, CTapObj& tap, LineRest rest);
 
   // The other statements; each ends with writeStatement().
@@ -82,8 +81,8 @@ class ScriptWriter : public tapforge::CommentSink {
   void writeStatement(LineRest rest);
 
  protected:
-  /// The parts of a RUNTEST that have another shape in each form: a count (TCKs)
-  /// with its unit as written, and times in seconds.
+  /// The parts of a RUNTEST that the forms write differently: a count (TCKs) with
+  /// its unit as written, and times in seconds.
   virtual void runCount(std::int64_t count, std::string_view unit) = 0;
   virtual void minTime(float seconds) = 0;
   virtual void maxTime(float seconds) = 0;
@@ -101,8 +100,8 @@ class ScriptWriter : public tapforge::CommentSink {
     const CTapField& data;
     const CTapField* mask;
     std::int64_t length;  // bits
-    static constexpr std::size_t kKinds = indexOf(tapforge::ScanValue::mask) + 1;
 
+    static constexpr std::size_t kKinds = indexOf(tapforge::ScanValue::mask) + 1;
 
     /// All bits of a value of at most 64 bits.
     tapforge::ShortScan shortBits() const {
@@ -136,9 +135,9 @@ class ScriptWriter : public tapforge::CommentSink {
     }
   }
 
-  // Characters that a scan takes beside its long values.
-  static_assert(kScanText <= OutputFile::kReserve);
+  // Most characters of a scan without its long values.
   static constexpr std::size_t kScanText = 256;
+  static_assert(kScanText <= OutputFile::kReserve);
 
   const FormWords& words_;
   const ScriptVars& vars_;

@@ -11,7 +11,8 @@
 
 namespace progmode_svf2tapbus {
 
-/// A fixed text of at most 16 characters, which is copied without a call.
+/// A fixed text of at most 16 characters, which is copied without a call. A longer
+/// one does not compile.
 class ShortText {
  public:
   // NOLINTNEXTLINE(google-explicit-constructor): a literal is meant to become one.

@@ -57,7 +57,7 @@ class SvfWriter final : public ScriptWriter {
     writeSeparator(rest);
   }
 
-  // Values stand in comment lines, each "(" under those of the merged scans.
+  // Values are comment lines, with "(" in the column that it has in merged scans.
   void printValue(const Value& value) override {
     static constexpr ShortText kLabels[] = {"\n!   TDI (", "\n!   TDO (", "\n!  MASK ("};
     static_assert(std::size(kLabels) == Value::kKinds);

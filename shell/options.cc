@@ -50,7 +50,7 @@ bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t&
     return false;
   }
   char* end = nullptr;
-  // Saturates, so a number that is too large for it stays one.
+  // A number that 64 bits cannot hold becomes the nearest they can, which is refused.
   const std::int64_t number = std::strtoll(text->c_str(), &end, 0);
   if (end == text->c_str() || *end != '\0' || number < smallest || number > kLargestNumber) {
     const std::string_view word = call.name == "linenum" ? "" : " option";

@@ -35,7 +35,7 @@ class ArgCursor {
   std::size_t next_ = 0;
 };
 
-/// What an option works on beside the variables of its mode.
+/// What an option works on, apart from the variables of its mode.
 struct OptionCall {
   std::string_view name;  // in lower case, without "-"
   ArgCursor& args;        // after the option, for its values

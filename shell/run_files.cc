@@ -15,7 +15,7 @@ void RunFiles::addInput(const std::string& name) {
   for (std::unique_ptr<OutputFile>* channel : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
     if (!isInput(*channel)) continue;
     same = true;
-    // A log that has nothing to lose takes the message.
+    // An empty one can lose nothing and stays open, so a log takes the message.
     if ((*channel)->begun()) continue;
     if (channel == &pFC_Log) report.setLog(nullptr);
     channel->reset();

@@ -17,7 +17,8 @@
 
 namespace tapforge {
 
-/// `cutSlash` is the punctuation "/" as the last character of a part of a line.
+/// `cutSlash` is the punctuation "/" as the last character of a part of a line. The
+/// types up to it, and only these, are read with the character after the token.
 enum class TokenType : std::uint8_t { word, number, cutSlash, punctuation, other };
 
 /// Told of the comments of the source where they are met, also in the middle of
@@ -112,16 +113,17 @@ class FileChannel final : public InputPosition {
 
   // Single characters, for text in parentheses (file_channel.cc).
 
-  /// The next character. Each one is an item of its own in messages, but for
-  /// the ")" that ends the text. A line end or the quiet end of the file may
-  /// come as a blank.
+  /// The next character. Each one is an item of its own in messages, but for the
+  /// ")" that ends the text. The end of the file gives a blank once and makes
+  /// atEnd() true; reading on is fatal.
   int getFChanChar();
 
   /// The text in memory from the next character on; the kPadding bytes after it are
   /// 0 and can be read too.
   std::span<const unsigned char> ahead() const { return {cur_, end_}; }
   /// Takes all characters before `position`, of which `item` is the last to be
-  /// shown in messages.
+  /// shown in messages. Afterwards is() and key() must not be asked before the next
+  /// token is read: the key is still that of the last one.
   void advancePast(const unsigned char* item, const unsigned char* position) {
     sToken_ = item;
     tokenSize_ = 1;
@@ -187,7 +189,7 @@ class FileChannel final : public InputPosition {
   void skipComment(const unsigned char* start);
 
   // source_place.cc
-  // Whether the character after the token has been read with it.
+  // Whether the character after the token has been read with it; see TokenType.
   bool lookedAhead() const { return iTokenType_ <= TokenType::cutSlash; }
   // A byte of the block by its offset in the file, and back.
   std::int64_t offsetOf(const unsigned char* p) const { return blockOffset_ + (p - text_); }
@@ -207,7 +209,7 @@ class FileChannel final : public InputPosition {
 
   static constexpr std::size_t kPage = 4096;
   // The file is read to a page boundary, and what is kept of the block before
-  // stands right in front of it: at 16 bytes after a page boundary the system's
+  // is right in front of it: at 16 bytes after a page boundary the system's
   // copy took five times as long.
   static constexpr std::size_t kKept = kPage;
   // How much text before the next character is kept, for messages.

@@ -20,7 +20,8 @@ PinDirection readDirection(FileChannel& channel) {
 }
 
 void checkPin(char value, PinDirection direction, Reporter& report) {
-  // H, L and Z drive a pin; U, D and X are what is expected on it.
+  // H, L and Z are driven, so not on an output; U, D and X are expected, so not on
+  // an input.
   const bool drives = value == 'H' || value == 'L' || value == 'Z';
   if (drives && direction == PinDirection::out) report.fatal("Incorrect output pin data");
   if (!drives && direction == PinDirection::in) report.fatal("Incorrect input pin data");

@@ -13,11 +13,13 @@ enum class PinDirection { in, out, inout };
 /// The pins in the order of the PIO characters.
 using PioMap = std::vector<PinDirection>;
 
-/// Reads the rest of a PIOMAP statement.
+/// Reads the rest of a PIOMAP statement. A name given twice and anything but a
+/// direction and a name are fatal.
 PioMap readPioMap(FileChannel& channel);
 
-/// Reads the rest of a PIO statement and checks each pin's value against its
-/// direction. No output form has parallel I/O, so the values end here.
+/// Reads the rest of a PIO statement, which no output form has, and checks it: an
+/// unknown value, one that does not fit its pin's direction and a value too many are
+/// fatal; missing ones are accepted. Without a PIOMAP it warns and skips the values.
 void readPio(const PioMap& map, FileChannel& channel);
 
 }  // namespace tapforge

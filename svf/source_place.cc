@@ -93,7 +93,7 @@ SourcePlace FileChannel::place() {
     if (inBlock(token)) place.iTokenCol = std::max<std::int64_t>(offsetOf(token) - begin, 0);
   }
   place.sLastItem = tokenAsWritten();
-  // A line end that is read as a character of a value reads as a blank.
+  // A line end that is read as a character of a value is shown as a blank.
   if (rules_.linesAreCut && (place.sLastItem == "\n" || place.sLastItem == "\r")) {
     place.sLastItem = " ";
   }

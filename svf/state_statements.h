@@ -9,7 +9,7 @@
 
 namespace tapforge {
 
-/// Where a state name stands in a statement decides which names are accepted.
+/// Which states are accepted: stable ones, or all, as in a STATE path.
 enum class StateUse { stable, path };
 
 /// The state that the current token names; fatal "[name]: message" when the

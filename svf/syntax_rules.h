@@ -23,16 +23,17 @@ struct SyntaxRules {
   /// The lines that follow a message's text and tell its place.
   std::string (*positionText)(const SourcePlace& place);
 
-  /// What stands around the limit in the message about a number or digit-led
-  /// word that is too long, and around a token that was expected.
+  /// The texts before and after the limit in the message about a number or
+  /// digit-led word that is too long, and before and after a token that was expected.
   std::string_view numberTooLong[2];
   std::string_view tokenMissing[2];
   std::string_view endOfFile;  // something was to be read past the end
   bool endOfFileHasPosition;
 
-  /// What ends a line, for line numbers and comments.
+  /// What ends a line: for line numbers, comments and cut lines.
   LineEnds lineEnds;
-  /// Lines are cut after kMaxLine characters, and a line end counts as a blank.
+  /// Lines are read in parts of at most FileChannel::kMaxLine characters. Messages
+  /// show such a part, and a line end or the end of the file in a value as a blank.
   bool linesAreCut;
   /// A "/" that begins no comment is a token. If not, it is lost, and the
   /// character after it is a token by itself.
@@ -43,7 +44,8 @@ struct SyntaxRules {
   bool hexEndsWithFile;
   /// A RUNTEST number with any unit but TCK is a time that has to become clocks.
   bool timesBecomeCounts;
-  /// What a STATE path reports after its text "Invalid pathstate".
+  /// The message about a path with a step that takes more than one clock names the
+  /// state before that step.
   bool pathErrorNamesState;
 };
 

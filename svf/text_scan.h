@@ -8,8 +8,8 @@
 
 namespace tapforge {
 
-/// Loops over many characters of the source. They depend on nothing else of the
-/// program. Each has a version in namespace `scalar` with the same results.
+/// Loops over many characters of the source. Each has a version in namespace
+/// `scalar` with the same results.
 
 /// How many word characters (letters, digits, "_") the text begins with, at
 /// most 16. All 16 characters must be readable.

@@ -171,7 +171,8 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     key_ = static_cast<unsigned char>(toLower(static_cast<char>(start[1])));
     return true;
   }
-  // The text of a comment is taken from one part of its line.
+  // A comment is read from the part of the line that holds its second "/". When the
+  // line is cut before that one, the comment begins at -1 of the part: fatal.
   const bool partEnds = endsPart(start + 1);
   if (another && partEnds) {
     const auto length = static_cast<std::int64_t>(getSrcLine(offsetOf(start + 1)).size());

@@ -14,7 +14,8 @@ int digitsOfNumber(std::uint32_t value) {
 
 }  // namespace
 
-// Warns, and keeps the leading hex digits of the low 32 bits, not the low ones.
+// Warns of a number that does not fit into its bytes, and returns what is written
+// for it: of its low 32 bits as many leading hex digits as the bytes have.
 std::uint64_t CommandWriter::leadingDigits(std::int64_t number, std::int64_t bytes,
                                            const CommandRow& row) {
   report_.warning(tapforge::concat(row.name, " operand ", number, " does not fit"),

@@ -26,7 +26,7 @@ class CommandWriter {
 
   /// Writes a command: its numbers, and vectors of `count` bits each, those from
   /// bit `low` up of `vectors`, which are called as CompositeScan is. A number
-  /// that its operand cannot hold is warned about and cut as binWrite() says.
+  /// that its operand cannot hold is warned about and cut by leadingDigits().
   template <typename... Vectors>
   void write(Command command, std::initializer_list<std::int64_t> numbers = {},
              [[maybe_unused]] std::int64_t low = 0, [[maybe_unused]] std::int64_t count = 0,
@@ -51,15 +51,15 @@ class CommandWriter {
   void writeComment(std::string_view text);
 
  private:
-  // Characters that a command takes beside its long vectors, in the file and in
-  // the listing.
+  // Most characters of a command without its long vectors, in the file and in the
+  // listing.
   static constexpr std::size_t kHead = 128;
   // Bytes of a vector that are written into one reserved stretch.
   static constexpr std::int64_t kAtOnce = 1024;
   static_assert(OutputFile::kReserve >= kAtOnce + kHead);
 
-  /// Writes the low 32 bits of a number as `bytes` (1, 2 or 4) bytes to `out`,
-  /// where eight must be writable, and returns their end.
+  /// Writes a number as `bytes` (1, 2 or 4) bytes to `out`, where eight must be
+  /// writable, and returns their end.
   char* binWrite(char* out, std::int64_t number, std::int64_t bytes, const CommandRow& row) {
     auto value = static_cast<std::uint64_t>(number);
     if (value >> (8 * bytes) != 0) value = leadingDigits(number, bytes, row);

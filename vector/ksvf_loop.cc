@@ -19,9 +19,9 @@ using tapforge::concat;
 using tapforge::FileChannel;
 using tapforge::Where;
 
-/// Hands what the parsers read to the writers. What it adds is the order: which
-/// pending scan goes out when, where the source comments of -kprintsrc stand, and
-/// which end state waits for the RUNTEST after it.
+/// Hands what the parsers read to the writers. What it adds is the order: when
+/// a pending scan is written, where the source comments of -kprintsrc go, and which
+/// end state waits for the RUNTEST after it.
 class KsvfLoop final : private tapforge::CommentSink {
  public:
   KsvfLoop(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
@@ -54,7 +54,8 @@ class KsvfLoop final : private tapforge::CommentSink {
     if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
     if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
     scans_.doDataShift(keyword);
-    // An SDR leaves the flag set: one RUNTEST before several SDRs applies to each.
+    // An SDR leaves the flag set: the count of a RUNTEST also applies to the first
+    // SDR after it.
     if (keyword != Keyword::sdr) scans_.setRunTestFlag(false);
   }
 

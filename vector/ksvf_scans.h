@@ -35,7 +35,8 @@ class KsvfScans {
   /// been stored.
   void doDataShift(Keyword keyword);
 
-  /// Write the pending scan of the kind, if there is one.
+  /// Write the pending scan of the register, if there is one. With -inorder an
+  /// instruction scan never is: it was written when it was met.
   void writeSir(StaleCount count) {
     if (iSirFlag_ && !vars_.iInOrder) writePendingSir(count);
   }
@@ -51,7 +52,8 @@ class KsvfScans {
   /// bits of the pending scan of its kind; a header or trailer affects both kinds.
   void writeOverwritten(Keyword keyword);
 
-  /// The statement before was a RUNTEST whose count may still apply.
+  /// Whether the run count in force is not cancelled by the scan written next: on
+  /// after a RUNTEST, off after any other statement but an SDR.
   void setRunTestFlag(bool on) { iRunTestFlag_ = on; }
 
   /// Writes a KRUNTEST, unless this count (TCKs) is the one in force; true if it
