@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "shell/options.h"
-#include "shell/run_program.h"
+#include "shell/version.h"
 
 namespace progmode_svf2ksvf {
 namespace {
@@ -178,9 +178,8 @@ bool checkOptCombo(KsvfVars& vars, RunFiles& files) {
 }  // namespace
 
 void displayVersion(tapforge::Reporter& report) {
-  report.statusMsg(
-      concat("svf2ksvf Version 5.05 ", tapforge::kCopyright, "\nOndrel SVF-to-KSVF Writer"),
-      StatusStyle::line);
+  report.statusMsg(concat(kKsvfVersion, " ", kCopyright, "\nOndrel SVF-to-KSVF Writer"),
+                   StatusStyle::line);
 }
 
 void getCmdOptions(std::span<const std::string> arguments, KsvfVars& vars, RunFiles& files) {

@@ -2,21 +2,19 @@
 #include <string>
 #include <vector>
 
-#include "shell/build_date.h"
 #include "shell/io/system.h"
 #include "shell/io/text.h"
 #include "shell/ksvf_driver.h"
 #include "shell/prog_mode.h"
-#include "shell/run_program.h"
 #include "shell/script_driver.h"
+#include "shell/version.h"
 
 namespace {
 
 void printBanner() {
-  const std::string banner = tapforge::concat(
-      "\n****** Ondrel SVF utility v2015.1\n"
-      "  **** Build date : ",
-      kBuildDate, "-", kBuildTime, "\n    ** ", tapforge::kCopyright, "\n\n\n");
+  const std::string banner =
+      tapforge::concat("\n****** ", kUtilityVersion, "\n  **** Build date : ", kBuildDate, "-",
+                       kBuildTime, "\n    ** ", kCopyright, "\n\n\n");
   std::fwrite(banner.data(), 1, banner.size(), stdout);
   // Before an output that leads to the same pipe or terminal.
   std::fflush(stdout);

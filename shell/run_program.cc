@@ -54,8 +54,6 @@ bool freeMem(RunFiles& files) {
 
 }  // namespace
 
-const std::string_view kCopyright = "Copyright (c) 2026 Ondrel. All rights reserved.";
-
 int runProgram(RunFiles& files, const std::function<bool()>& conversion) {
   bool good = false;
   const std::optional<int> ended = statusOf(files.report, [&] {

@@ -2,14 +2,10 @@
 #define TAPFORGE_SHELL_RUN_PROGRAM_H
 
 #include <functional>
-#include <string_view>
 
 #include "shell/run_files.h"
 
 namespace tapforge {
-
-/// The makers' line of the banner and of both version messages.
-extern const std::string_view kCopyright;
 
 /// Runs a mode to its exit status. `conversion` reads the options and converts;
 /// it returns whether all went well, or ends early by ProgramEnd, WriteFailed

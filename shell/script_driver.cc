@@ -5,13 +5,13 @@
 #include "shell/io/text.h"
 #include "shell/run_program.h"
 #include "shell/script_options.h"
+#include "shell/version.h"
 
 namespace progmode_svf2tapbus {
 namespace {
 
 void displayVersion(tapforge::Reporter& report) {
-  report.statusMsg(tapforge::concat("svf2tapbus Version 1.10 ", tapforge::kCopyright),
-                   tapforge::StatusStyle::line);
+  report.statusMsg(tapforge::concat(kScriptVersion, " ", kCopyright), tapforge::StatusStyle::line);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "shell/build_date.h"
+#include "shell/version.h"
 
 #ifdef TAPFORGE_BUILD_DATE
 const char* const kBuildDate = TAPFORGE_BUILD_DATE;
