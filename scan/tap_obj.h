@@ -3,7 +3,7 @@
 
 #include "scan/composite.h"
 #include "scan/tap_pattern.h"
-#include "svf/clock_statements.h"
+#include "svf/clock_and_reset.h"
 #include "svf/keyword.h"
 #include "svf/pio.h"
 #include "svf/tap_state.h"

@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SVF_CLOCK_STATEMENTS_H
-#define TAPFORGE_SVF_CLOCK_STATEMENTS_H
+#ifndef TAPFORGE_SVF_CLOCK_AND_RESET_H
+#define TAPFORGE_SVF_CLOCK_AND_RESET_H
 
 #include <string>
 
@@ -24,4 +24,4 @@ Trst readTrst(TrstMode inForce, bool scanSeen, FileChannel& channel);
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SVF_CLOCK_STATEMENTS_H
+#endif  // TAPFORGE_SVF_CLOCK_AND_RESET_H

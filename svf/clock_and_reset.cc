@@ -1,4 +1,4 @@
-#include "svf/clock_statements.h"
+#include "svf/clock_and_reset.h"
 
 #include "svf/numbers.h"
 
