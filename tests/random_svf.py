@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Writes a random SVF file, always the same one for the same arguments.
 
-    random_svf.py SEED STATEMENTS [-no FEATURE,...]
+    random_svf.py SEED STATEMENTS [FEATURE ...]
 
-The file is valid SVF: values may be left out where they are carried over, and
-statements, values and comments are laid out in every way that SVF allows.
+The file is valid SVF without these features: values may be left out where they are
+carried over, and statements, values and comments are laid out in every way.
 """
 
 import random
@@ -12,47 +12,35 @@ import sys
 
 # What a file may hold beside plain statements, one a line.
 FEATURES = {
-    "sharing": "statements that share a line",
-    "hidden": "... also after a header, trailer, FREQUENCY, TRST or PIO",
-    "smask": "SMASK",
-    "chain-tdo": "TDO and MASK of header and trailer",
-    "ir-tdo": "TDO and MASK of SIR",
-    "times": "RUNTEST in seconds",
-    "fine-times": "... with more than three digits",
-    "both": "... beside a count",
-    "maximum": "MAXIMUM beside a count",
-    "bare-maximum": "... without a count",
-    "sck": "counts of the system clock",
-    "run-states": "RUNTEST in other states than IDLE",
-    "loose-waits": "RUNTEST anywhere but after a scan",
-    "end-states": "ENDIR, ENDDR",
-    "odd-ends": "... in RESET or the pause state of the other register",
-    "moves": "STATE",
-    "paths": "... with states that are passed",
-    "reset-line": "TRST",
-    "frequency": "FREQUENCY",
-    "fine-frequency": "... with a fraction",
-    "pio": "PIO and PIOMAP",
-}
+    "sharing",  # statements that share a line
+    "hidden",  # ... also after a header, trailer, FREQUENCY, TRST or PIO
+    "smask", "pio", "frequency", "fine-frequency", "reset-line",
+    "chain-tdo", "ir-tdo",  # TDO and MASK of header and trailer, of SIR
+    "times", "fine-times",  # RUNTEST in seconds, with more than three digits
+    "both", "maximum", "bare-maximum",  # ... beside a count, MAXIMUM with it and without
+    "sck",  # counts of the system clock
+    "run-states",  # RUNTEST in other states than IDLE
+    "loose-waits",  # ... anywhere but after a scan
+    "end-states",  # ENDIR, ENDDR
+    "odd-ends",  # ... in RESET or the pause state of the other register
+    "moves", "paths",  # STATE, with states that are passed
+}  # fmt: skip
 
 STABLE = ("reset", "idle", "drpause", "irpause")
+STATES = """reset idle drselect drcapture drshift drexit1 drpause drexit2 drupdate
+            irselect ircapture irshift irexit1 irpause irexit2 irupdate""".split()
 NEXT = {  # by TMS 0 and 1
-    "reset": ("idle", "reset"), "idle": ("idle", "drselect"),
-    "drselect": ("drcapture", "irselect"), "drcapture": ("drshift", "drexit1"),
-    "drshift": ("drshift", "drexit1"), "drexit1": ("drpause", "drupdate"),
-    "drpause": ("drpause", "drexit2"), "drexit2": ("drshift", "drupdate"),
-    "drupdate": ("idle", "drselect"), "irselect": ("ircapture", "reset"),
-    "ircapture": ("irshift", "irexit1"), "irshift": ("irshift", "irexit1"),
-    "irexit1": ("irpause", "irupdate"), "irpause": ("irpause", "irexit2"),
-    "irexit2": ("irshift", "irupdate"), "irupdate": ("idle", "drselect"),
-}  # fmt: skip
+    state: (STATES[int("113446641abbddb1"[i], 16)], STATES[int("0295587820ccfef2"[i], 16)])
+    for i, state in enumerate(STATES)
+}
 COMMENTS = (" note\n", " SDR 8 TDI (FF);\n", "x; y\n", "// again\n", "\n")
 
 
 class Generator:
     def __init__(self, seed, without=()):
         self.random = random.Random(seed)
-        self.has = {name: name not in without for name in FEATURES}
+        assert FEATURES.issuperset(without), without
+        self.has = FEATURES - set(without)
         self.text = []
         self.comments = not self.one_in(3)
         self.lengths = {}
@@ -70,16 +58,17 @@ class Generator:
         at_start = not self.text or self.text[-1].endswith("\n")
         self.text.append(("//" if at_start and self.one_in(2) else "!") + self.pick(*COMMENTS))
 
-    def item(self, word, values=False):
-        """A word in any spelling, and what divides it from the next one."""
-        if not values:
-            word = self.pick(word.upper(), word.lower(), word.capitalize())
-        self.text += word, self.pick("\t ", "\n") if self.one_in(10) else " "
-        if self.comments and self.one_in(60):
-            self.comment()
+    def item(self, *words, value=False):
+        """Words in any spelling, each with what divides it from the next one."""
+        for word in words:
+            if not value:
+                word = self.pick(word.upper(), word.lower(), word.capitalize())
+            self.text += word, self.pick("\t ", "\n") if self.one_in(10) else " "
+            if self.comments and self.one_in(60):
+                self.comment()
 
     def end(self, hides=False):
-        shared = self.has["sharing"] and self.one_in(6) and (self.has["hidden"] or not hides)
+        shared = "sharing" in self.has and self.one_in(6) and ("hidden" in self.has or not hides)
         self.text.append(";" + " " * self.random.randrange(4))
         if self.comments and self.one_in(8):
             self.comment()
@@ -87,8 +76,7 @@ class Generator:
             self.text.append("\n")
 
     def statement_of(self, *words, hides=False):
-        for word in words:
-            self.item(word)
+        self.item(*words)
         self.end(hides)
 
     def value(self, name, length):
@@ -101,13 +89,14 @@ class Generator:
         line = self.pick(1 + self.random.randrange(40), 64, len(digits))
         digits = "\n".join(digits[i : i + line] for i in range(0, len(digits), line))
         self.item(name + self.pick("", " "))
-        self.item(self.pick("(", "(\n") + self.pick(digits, digits.upper()) + self.pick(")", " )"), True)
+        given = self.pick("(", "(\n") + self.pick(digits, digits.upper()) + self.pick(")", " )")
+        self.item(given, value=True)
 
     def scan(self, keyword):
-        before = self.lengths.get(keyword, 0)
-        length = before
+        length = before = self.lengths.get(keyword, 0)
+        chain = keyword[0] != "s"  # header or trailer
         if before == 0 or self.one_in(2):
-            if keyword[0] != "s":
+            if chain:
                 length = 0 if self.one_in(3) else self.random.randrange(1, 21)
             elif self.one_in(6):
                 length = self.pick(1, 4, 63, 64, 65, 128, 192, 255, 256)
@@ -115,42 +104,36 @@ class Generator:
                 most = 40 if keyword == "sir" else 5000 if self.one_in(60) else 300
                 length = self.random.randrange(1, most)
         self.lengths[keyword] = length
-        self.item(keyword)
-        self.item(str(length))
+        self.item(keyword, str(length))
         names = ["tdi"] if length != before or self.one_in(2) else []
-        compared = self.has["chain-tdo"] if keyword[0] != "s" else self.has["ir-tdo"] or keyword == "sdr"
+        compared = keyword == "sdr" or ("chain-tdo" if chain else "ir-tdo") in self.has
         names += [n for n, odds in (("tdo", 2), ("mask", 3)) if compared and self.one_in(odds)]
-        names += ["smask"] if self.has["smask"] and self.one_in(6) else []
+        names += ["smask"] if "smask" in self.has and self.one_in(6) else []
         self.random.shuffle(names)
         for name in names if length > 0 else ():
             self.value(name, length)
-        self.end(hides=keyword[0] != "s")
-        if keyword[0] == "s":
+        self.end(hides=chain)
+        if not chain:
             self.state = self.ends[keyword]
             self.after_scan = True
 
     def wait(self):
-        run = self.pick(*STABLE) if self.has["run-states"] and self.one_in(3) else None
-        self.item("runtest")
-        if run:
-            self.item(run)
-        counted = not self.has["times"] or not self.one_in(3)
+        run = self.pick(*STABLE) if "run-states" in self.has and self.one_in(3) else None
+        self.item("runtest", *[run] * bool(run))
+        counted = "times" not in self.has or not self.one_in(3)
         if counted:
             most = 1 << 24 if self.one_in(20) else 5000
             self.item("2E3" if self.one_in(10) else str(self.random.randrange(most)))
-            self.item("sck" if self.has["sck"] and self.one_in(5) else "tck")
-        if not counted or (self.has["both"] and self.has["times"] and self.one_in(5)):
-            fine = ("3.757e-02", "50021E-6", "0.0004041") if self.has["fine-times"] else ()
-            self.item(self.pick("1E-3", "2.5E-4", "0.0125", "1", "1.5", "5e-6", *fine))
-            self.item("sec")
-            if self.has["maximum" if counted else "bare-maximum"] and self.one_in(3):
-                for word in ("maximum", "1.75e+5", "sec"):  # longer than any count here
-                    self.item(word)
+            self.item("sck" if "sck" in self.has and self.one_in(5) else "tck")
+        if not counted or ("both" in self.has and "times" in self.has and self.one_in(5)):
+            fine = ("3.757e-02", "50021E-6", "0.0004041") if "fine-times" in self.has else ()
+            self.item(self.pick("1E-3", "2.5E-4", "0.0125", "1", "1.5", "5e-6", *fine), "sec")
+            if ("maximum" if counted else "bare-maximum") in self.has and self.one_in(3):
+                self.item("maximum", "1.75e+5", "sec")  # longer than any count here
         # A run state is the end state too, unless one is given.
-        if run or (self.has["run-states"] and self.one_in(3)):
+        if run or ("run-states" in self.has and self.one_in(3)):
             self.state = self.run_end = self.pick(*STABLE)
-            self.item("endstate")
-            self.item(self.state)
+            self.item("endstate", self.state)
         else:
             self.state = getattr(self, "run_end", "idle")
         self.end()
@@ -158,7 +141,7 @@ class Generator:
     def move(self):
         others = [state for state in STABLE if state != self.state or "pause" not in state]
         path = [self.pick(*others)]
-        if self.has["paths"] and self.one_in(2):
+        if "paths" in self.has and self.one_in(2):
             path = [self.pick(*NEXT[self.state])] if self.one_in(2) else path
             while path[-1] not in STABLE or len(path) < 2 or self.one_in(3):
                 path.append(self.pick(*NEXT[path[-1]]))
@@ -167,11 +150,10 @@ class Generator:
 
     def statement(self):
         kinds = {"sdr": 28, "sir": 18, "chain": 12, "wait": 18}
-        kinds |= {"end": 8} if self.has["end-states"] else {}
-        kinds |= {"move": 8} if self.has["moves"] else {}
-        kinds |= {n: 3 for n in ("frequency", "reset-line", "pio") if self.has[n]}
+        some = {"end-states": 8, "moves": 8, "frequency": 3, "reset-line": 3, "pio": 3}
+        kinds |= {name: odds for name, odds in some.items() if name in self.has}
         kind = self.random.choices(*zip(*kinds.items()))[0]
-        if kind == "wait" and not self.after_scan and not self.has["loose-waits"]:
+        if kind == "wait" and not self.after_scan and "loose-waits" not in self.has:
             kind = "sdr"
         after_scan, self.after_scan = self.after_scan, False
         if kind in ("sdr", "sir"):
@@ -179,17 +161,17 @@ class Generator:
         elif kind == "chain":
             self.scan(self.pick("hir", "hdr", "tir", "tdr"))
         elif kind == "wait":
-            self.after_scan = after_scan and self.has["loose-waits"]
+            self.after_scan = after_scan and "loose-waits" in self.has
             self.wait()
-        elif kind == "end":
+        elif kind == "end-states":
             register = self.pick("sir", "sdr")
             own = ("idle", register[1:] + "pause")
-            self.ends[register] = self.pick(*STABLE if self.has["odd-ends"] else own)
+            self.ends[register] = self.pick(*STABLE if "odd-ends" in self.has else own)
             self.statement_of("end" + register[1:], self.ends[register])
-        elif kind == "move":
+        elif kind == "moves":
             self.move()
         elif kind == "frequency":
-            fine = ("1234567.25 hz", "1500.5 hz") if self.has["fine-frequency"] else ()
+            fine = ("1234567.25 hz", "1500.5 hz") if "fine-frequency" in self.has else ()
             self.statement_of("frequency", self.pick("", "1E6 hz", "2.5e6  hz", *fine), hides=True)
         elif kind == "reset-line":
             self.statement_of("trst", self.pick("on", "off", "z"), hides=True)
@@ -197,22 +179,15 @@ class Generator:
             self.statement_of("piomap (in a out b_2\ninout c)", hides=True)
             self.statement_of("pio", self.pick("(HUX)", "( z\nd l )", "(L)"), hides=True)
 
-    def file(self, statements):
-        for _ in range(statements):
-            self.statement()
-        text = "".join(self.text)
-        return text.replace("\n", "\r\n") if self.one_in(6) else text
-
 
 def random_svf(seed, statements, without=()):
-    return Generator(seed, without).file(statements)
+    generator = Generator(seed, without)
+    for _ in range(statements):
+        generator.statement()
+    text = "".join(generator.text)
+    return text.replace("\n", "\r\n") if generator.one_in(6) else text
 
 
 if __name__ == "__main__":
-    if len(sys.argv) not in (3, 5) or sys.argv[3:4] not in ([], ["-no"]):
-        listing = "".join(f"    {name:15} {text}\n" for name, text in FEATURES.items())
-        sys.exit(f"{__doc__}\nFeatures:\n{listing}")
-    left_out = sys.argv[4].split(",") if len(sys.argv) == 5 else []
-    if unknown := set(left_out) - set(FEATURES):
-        sys.exit(f"random_svf.py: unknown feature {', '.join(unknown)}")
-    sys.stdout.write(random_svf(int(sys.argv[1]), int(sys.argv[2]), left_out))
+    seed, statements, *without = sys.argv[1:]
+    sys.stdout.write(random_svf(int(seed), int(statements), without))
