@@ -8,83 +8,64 @@
 namespace tapforge {
 namespace {
 
-using enum Keyword;
+// By Keyword.
+constexpr std::array<Word, 15> kKeywords = {"",    "hir",    "hdr",     "tir",   "tdr",
+                                            "sir", "sdr",    "endir",   "enddr", "frequency",
+                                            "pio", "piomap", "runtest", "state", "trst"};
 
-struct KeywordRow {
-  Keyword keyword;
-  Word word;
-};
-
-constexpr std::array kKeywords = std::to_array<KeywordRow>({
-    {unknown, ""},
-    {hir, "hir"},
-    {hdr, "hdr"},
-    {tir, "tir"},
-    {tdr, "tdr"},
-    {sir, "sir"},
-    {sdr, "sdr"},
-    {endir, "endir"},
-    {enddr, "enddr"},
-    {frequency, "frequency"},
-    {pio, "pio"},
-    {piomap, "piomap"},
-    {runtest, "runtest"},
-    {state, "state"},
-    {trst, "trst"},
-});
-static_assert(rowsByNumber(kKeywords, &KeywordRow::keyword));
-
-constexpr const Word& wordOf(Keyword keyword) {
-  return kKeywords[static_cast<std::size_t>(keyword)].word;
-}
-
-constexpr std::uint64_t keyOf(Keyword keyword) { return wordOf(keyword).key; }
-
-// The only keyword that can have this key. A table looked up by a remainder of the
-// key took ten instructions more a statement.
-Keyword keywordWithKey(std::uint64_t key) {
+// The only keyword that can have this key; two with the same one do not compile.
+constexpr Keyword keywordWithKey(std::uint64_t key) {
   switch (key) {
-    case keyOf(hir):
-      return hir;
-    case keyOf(hdr):
-      return hdr;
-    case keyOf(tir):
-      return tir;
-    case keyOf(tdr):
-      return tdr;
-    case keyOf(sir):
-      return sir;
-    case keyOf(sdr):
-      return sdr;
-    case keyOf(endir):
-      return endir;
-    case keyOf(enddr):
-      return enddr;
-    case keyOf(frequency):
-      return frequency;
-    case keyOf(pio):
-      return pio;
-    case keyOf(piomap):
-      return piomap;
-    case keyOf(runtest):
-      return runtest;
-    case keyOf(state):
-      return state;
-    case keyOf(trst):
-      return trst;
+    case Word("hir").key:
+      return Keyword::hir;
+    case Word("hdr").key:
+      return Keyword::hdr;
+    case Word("tir").key:
+      return Keyword::tir;
+    case Word("tdr").key:
+      return Keyword::tdr;
+    case Word("sir").key:
+      return Keyword::sir;
+    case Word("sdr").key:
+      return Keyword::sdr;
+    case Word("endir").key:
+      return Keyword::endir;
+    case Word("enddr").key:
+      return Keyword::enddr;
+    case Word("frequency").key:
+      return Keyword::frequency;
+    case Word("pio").key:
+      return Keyword::pio;
+    case Word("piomap").key:
+      return Keyword::piomap;
+    case Word("runtest").key:
+      return Keyword::runtest;
+    case Word("state").key:
+      return Keyword::state;
+    case Word("trst").key:
+      return Keyword::trst;
     default:
-      return unknown;
+      return Keyword::unknown;
   }
 }
+
+static_assert([] {
+  for (std::size_t i = 0; i < kKeywords.size(); ++i) {
+    if (keywordWithKey(kKeywords[i].key) != static_cast<Keyword>(i)) return false;
+  }
+  return true;
+}());
 
 }  // namespace
 
 Keyword keywordOf(const FileChannel& channel) {
   const Keyword found = keywordWithKey(channel.key());
-  return channel.is(wordOf(found)) ? found : unknown;
+  return channel.is(kKeywords[static_cast<std::size_t>(found)]) ? found : Keyword::unknown;
 }
 
-std::string_view nameOf(Keyword keyword) { return wordOf(keyword).text; }
+std::string_view nameOf(Keyword keyword) {
+  return kKeywords[static_cast<std::size_t>(keyword)].text;
+}
 
 bool skipUnknown(FileChannel& channel) {
   if (isSpace(static_cast<unsigned char>(channel.tokenAsWritten().front()))) return true;
