@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 
+#include "shell/io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {
@@ -28,10 +29,11 @@ enum class Mantissa { plain, withExponent, noNumber };
 
 Mantissa scanMantissa(std::string_view token) {
   token.remove_prefix(leadingDigits(token));
-  if (token.empty() || token == "e") return Mantissa::plain;
-  const std::string_view exponent = token.substr(1);
-  const bool isExponent = token[0] == 'e' && leadingDigits(exponent) == exponent.size();
-  return isExponent ? Mantissa::withExponent : Mantissa::noNumber;
+  if (token.empty()) return Mantissa::plain;
+  const bool isExponent =
+      toLower(token[0]) == 'e' && leadingDigits(token.substr(1)) == token.size() - 1;
+  if (!isExponent) return Mantissa::noNumber;
+  return token.size() == 1 ? Mantissa::plain : Mantissa::withExponent;
 }
 
 Number real(const std::string& text) {
@@ -93,14 +95,7 @@ Number getFloat(FileChannel& channel) {
 }
 
 bool testIsNum(std::string_view text) {
-  const std::size_t digits = leadingDigits(text);
-  if (digits == 0) return false;
-  text.remove_prefix(digits);
-  if (!text.empty() && (text[0] == 'e' || text[0] == 'E')) {
-    text.remove_prefix(1);
-    text.remove_prefix(leadingDigits(text));
-  }
-  return text.empty();
+  return leadingDigits(text) > 0 && scanMantissa(text) != Mantissa::noNumber;
 }
 
 std::int64_t lGetLong(Sign sign, FileChannel& channel) {

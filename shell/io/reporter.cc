@@ -23,10 +23,7 @@ std::string_view prefixOf(Level level) {
   return "";
 }
 
-std::string twoDigits(std::int64_t value) {
-  const std::string text = concat(value);
-  return text.size() < 2 ? concat("0", text) : text;
-}
+std::string twoDigits(std::int64_t value) { return paddedDecimal(value, 2, '0'); }
 
 // As in "Mon Nov 26 03:03:39 2018".
 std::string dateTimeText(std::time_t time) {

@@ -5,18 +5,10 @@
 #include <charconv>
 
 namespace tapforge {
-namespace {
 
-std::string padded(std::string text, int width, char filler) {
-  const auto wanted = static_cast<std::size_t>(std::max(width, 0));
-  if (text.size() < wanted) text.insert(0, wanted - text.size(), filler);
-  return text;
-}
-
-}  // namespace
-
-std::string paddedDecimal(std::int64_t value, int width) {
-  return padded(std::to_string(value), width, ' ');
+std::string paddedDecimal(std::int64_t value, std::size_t width, char filler) {
+  const std::string text = std::to_string(value);
+  return std::string(std::max(width, text.size()) - text.size(), filler) + text;
 }
 
 std::string shortExponent(double value) {

@@ -28,8 +28,8 @@ std::string concat(const Pieces&... pieces) {
   return text;
 }
 
-/// Decimal, with blanks in front up to `width` characters.
-std::string paddedDecimal(std::int64_t value, int width);
+/// Decimal, with `filler` in front up to `width` characters.
+std::string paddedDecimal(std::int64_t value, std::size_t width, char filler = ' ');
 
 /// One digit, point, two digits, exponent of at least two digits: the form in
 /// which times are written ("1.50e-03"), whatever the locale is.
