@@ -1,7 +1,6 @@
-#include "shell/ksvf_driver.h"
-
 #include "shell/io/text.h"
 #include "shell/ksvf_options.h"
+#include "shell/prog_mode.h"
 #include "shell/run_program.h"
 #include "vector/ksvf_loop.h"
 #include "vector/ksvf_traits.h"

@@ -4,9 +4,7 @@
 
 #include "shell/io/system.h"
 #include "shell/io/text.h"
-#include "shell/ksvf_driver.h"
 #include "shell/prog_mode.h"
-#include "shell/script_driver.h"
 #include "shell/version.h"
 
 namespace {

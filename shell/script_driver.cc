@@ -1,8 +1,7 @@
-#include "shell/script_driver.h"
-
 #include "script/script_loop.h"
 #include "script/script_traits.h"
 #include "shell/io/text.h"
+#include "shell/prog_mode.h"
 #include "shell/run_program.h"
 #include "shell/script_options.h"
 #include "shell/version.h"

@@ -15,8 +15,7 @@
 #include <vector>
 
 #include "shell/io/system.h"
-#include "shell/ksvf_driver.h"
-#include "shell/script_driver.h"
+#include "shell/prog_mode.h"
 
 namespace {
 
