@@ -17,6 +17,7 @@ class ShortText {
  public:
   // NOLINTNEXTLINE(google-explicit-constructor): a literal is meant to become one.
   consteval ShortText(const char* literal) : size_(std::string_view(literal).size()) {
+    if (size_ > sizeof text_) throw "a text that is too long";
     std::copy_n(literal, size_, text_);
   }
   std::string_view view() const { return {text_, size_}; }

@@ -49,12 +49,13 @@ constexpr Keyword keywordWithKey(std::uint64_t key) {
   }
 }
 
-static_assert([] {
+constexpr bool agree() {
   for (std::size_t i = 0; i < kKeywords.size(); ++i) {
     if (keywordWithKey(kKeywords[i].key) != static_cast<Keyword>(i)) return false;
   }
   return true;
-}());
+}
+static_assert(agree());
 
 }  // namespace
 
