@@ -95,7 +95,10 @@ class Runner:
         assert done.returncode in (0, 1), f"status {done.returncode}: {done.stderr}"
         last = done.stdout.splitlines()[-1]
         assert last.startswith(("the same", "NOT the same")[done.returncode]), done.stdout
-        return done.stdout, set(last.partition(":")[2].replace("; also:", "").split())
+        found = set(last.partition(":")[2].replace("; also:", "").split())
+        if found & {"state-moves", "end-states"}:
+            assert "states: all the same" not in done.stdout, done.stdout
+        return done.stdout, found
 
     def operations(self, path):
         """(place, text) of each operation by kind: scan, wait, move, end."""
