@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "replay/fault.h"
 
@@ -234,7 +235,8 @@ void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
 double TextReader::number(std::string_view text) const {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !(value >= 0)) {
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value) ||
+      value < 0) {
     fail("a number expected, not \"" + std::string(text) + "\"");
   }
   return value;

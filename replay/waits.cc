@@ -8,6 +8,7 @@ namespace tapforge_replay {
 namespace {
 
 constexpr double kDefaultHertz = 1e6;
+constexpr double kMostHertz = 1e19;
 constexpr std::size_t kMostPairs = 1 << 20;
 constexpr double kSinglePrecision = 2e-7;  // relative error of a product that a converter makes
 
@@ -45,6 +46,7 @@ bool ClockRate::learn(double seconds, double clocks, double waits) {
   if (given_ > 0 || seconds <= 0 || clocks <= 0) return true;
   const double low = clocks / seconds * (1 - kSinglePrecision);
   const double high = (clocks + waits) / seconds * (1 + kSinglePrecision);
+  if (!(high <= kMostHertz)) return true;  // no clock of a TAP; nor is an overflow
   if (learned_ <= 0 || low > high_) {
     const bool first = learned_ <= 0;
     low_ = low;
