@@ -10,7 +10,9 @@
 // The player as it runs on a board, but for longer scans. It is a part of this
 // file so that the compiler joins its loop over the bits with the port below, and
 // a Fault can pass through it.
+#ifndef KSVF_MAX_BITS
 #define KSVF_MAX_BITS (1 << 30)
+#endif
 #define KSVF_OWN_WAIT 1
 #include "player/ksvf_player.c"  // NOLINT(bugprone-suspicious-include)
 
