@@ -87,6 +87,8 @@ TEST(ScanStatement, DropsTheTdoOfAMaskOfZeros) {
   const std::string zeros(16, '0');
   EXPECT_EQ(scan("65 TDI()TDO()MASK(1" + zeros + ");"),
             "\n0" + zeros + "/0" + zeros + "/1" + zeros + "//");
+  EXPECT_EQ(scan("65 TDI()TDO()MASK(2);"),
+            "\n0" + zeros + "/0" + zeros + "/0" + zeros.substr(1) + "2//");
   EXPECT_EQ(scan("64 TDI()TDO()MASK();"), "\n" + zeros + "//" + zeros + "//");
   EXPECT_EQ(scan("4 TDI(0) MASK(1)TDO(0);"), "\n0/0/1//");
   EXPECT_EQ(scan("3 MASK(8)TDO(0) SMASK\n( 1\t2 )TDI(5);"),

@@ -50,6 +50,8 @@ TEST(KsvfScans, RunCountsOfStatementSequences) {
       {"RUNTEST 0 TCK;" + kSir, "RUNTEST0 SIR"},
       {kWait + "TRST OFF;" + kSir, "RUNTEST7 RUNTEST0 SIR"},
       {kWait + "HIR 2 TDI (0);" + kSir, "RUNTEST7 RUNTEST0 SIR"},
+      {"PIOMAP (IN A);" + kWait + "PIO (H);" + kSir, "RUNTEST7 RUNTEST0 SIR"},
+      {kWait + "PIOMAP (IN A);" + kSir, "RUNTEST7 RUNTEST0 SIR"},
       {kWait + kSdr, "RUNTEST7 SDRSIZE8 SDRTDO"},
       {kWait + kSdr + "TRST OFF;" + kSdr, "RUNTEST7 SDRSIZE8 SDRTDO RUNTEST0 SDRTDO"},
   };
