@@ -34,13 +34,16 @@ class RecordingReporter final : public Reporter {
 class MemoryFile {
  public:
   explicit MemoryFile(std::string_view text = {});
+  ~MemoryFile();
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
 
   /// A handle at its start; one at a time.
   FilePtr open();
   std::string text() const;
 
  private:
-  FilePtr file_;
+  int file_;  // descriptor
 };
 
 /// Files opened while it exists have blocks of this size.

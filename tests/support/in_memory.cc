@@ -1,15 +1,17 @@
 #include "tests/support/in_memory.h"
 
-#ifdef _WIN32
-#include <io.h>
-#include <process.h>
-#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#ifndef _WIN32
 #include <sys/mman.h>
-#include <unistd.h>
 #endif
+#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "script/script_loop.h"
 #include "script/script_traits.h"
@@ -23,33 +25,54 @@ namespace tapforge::testing {
 
 namespace {
 
-FilePtr newFile() {
+int newFile() {
 #ifdef _WIN32
-  // T and D: kept in memory where it can be, and gone with its last handle.
-  const std::string ours = "tapforge" + std::to_string(_getpid()) + "-";
-  return FilePtr(std::fopen(_tempnam(nullptr, ours.c_str()), "w+bTD"));
+  static const std::string ours =
+      (std::filesystem::temp_directory_path() / ("tapforge" + std::to_string(getpid()))).string();
+  static int count = 0;
+  // Kept in memory where it can be, and gone with the process.
+  return open((ours + "-" + std::to_string(++count)).c_str(),
+              O_RDWR | O_CREAT | O_BINARY | _O_SHORT_LIVED | _O_TEMPORARY, _S_IREAD | _S_IWRITE);
 #else
-  return FilePtr(fdopen(memfd_create("test", 0), "w+b"));
+  return memfd_create("test", 0);
 #endif
+}
+
+// Empty files that no MemoryFile has at present: a new one takes long on Windows.
+std::vector<int>& freeFiles() {
+  static std::vector<int> files;
+  return files;
+}
+
+void require(bool good) {
+  if (!good) std::abort();
 }
 
 }  // namespace
 
-MemoryFile::MemoryFile(std::string_view text) : file_(newFile()) {
-  if (text.empty()) return;
-  if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+MemoryFile::MemoryFile(std::string_view text) {
+  if (freeFiles().empty()) freeFiles().push_back(newFile());
+  file_ = freeFiles().back();
+  freeFiles().pop_back();
+  const auto count = write(file_, text.data(), static_cast<unsigned>(text.size()));
+  require(std::cmp_equal(count, text.size()));
+}
+
+MemoryFile::~MemoryFile() {
+  require(lseek(file_, 0, SEEK_SET) == 0 && ftruncate(file_, 0) == 0);
+  freeFiles().push_back(file_);
 }
 
 FilePtr MemoryFile::open() {
-  std::rewind(file_.get());
-  return FilePtr(fdopen(dup(fileno(file_.get())), "r+b"));
+  lseek(file_, 0, SEEK_SET);
+  return FilePtr(fdopen(dup(file_), "r+b"));
 }
 
 std::string MemoryFile::text() const {
-  std::fseek(file_.get(), 0, SEEK_END);
-  std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
-  std::rewind(file_.get());
-  if (std::fread(text.data(), 1, text.size(), file_.get()) != text.size()) std::abort();
+  std::string text(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)), '\0');
+  lseek(file_, 0, SEEK_SET);
+  const auto count = read(file_, text.data(), static_cast<unsigned>(text.size()));
+  require(std::cmp_equal(count, text.size()));
   return text;
 }
 
