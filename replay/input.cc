@@ -2,10 +2,10 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <utility>
 
 #include "replay/fault.h"
+#include "replay/system.h"
 
 namespace tapforge_replay {
 namespace {
@@ -15,12 +15,9 @@ constexpr std::size_t kBlockBytes = 1 << 18;
 }  // namespace
 
 Input::Input(std::string path)
-    : path_(std::move(path)), file_(std::fopen(path_.c_str(), "rb"), std::fclose) {
+    : path_(std::move(path)), file_(openFile(path_, "rb"), std::fclose), size_(fileSize(path_)) {
   if (file_ == nullptr) throw Fault(path_ + ": " + std::strerror(errno));
   std::setvbuf(file_.get(), nullptr, _IONBF, 0);
-  std::error_code unknown;
-  const std::uintmax_t size = std::filesystem::file_size(path_, unknown);
-  if (!unknown) size_ = size;
   block_.resize(kBlockBytes);
   at_ = end_ = block_.data();
 }

@@ -2,15 +2,10 @@
 // was made of it.
 
 #include <unistd.h>
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
 
 #include <array>
 #include <charconv>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -23,6 +18,7 @@
 #include "replay/compare.h"
 #include "replay/fault.h"
 #include "replay/list.h"
+#include "replay/system.h"
 #include "replay/text_reader.h"
 #include "replay/vcd.h"
 
@@ -87,16 +83,16 @@ void allow(std::string_view names, Options& options) {
   }
 }
 
-Options parse(const std::vector<std::string_view>& arguments) {
+Options parse(const std::vector<std::string>& arguments) {
   Options options;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string_view name = arguments[i];
     if (!name.starts_with('-') || name == "-") {
-      options.files.emplace_back(name);
+      options.files.push_back(arguments[i]);
       continue;
     }
     name.remove_prefix(name.starts_with("--") ? 2 : 1);
-    const auto value = [&] {
+    const auto value = [&]() -> const std::string& {
       if (++i == arguments.size()) throw Fault("-" + std::string(name) + " needs a value");
       return arguments[i];
     };
@@ -119,7 +115,7 @@ Options parse(const std::vector<std::string_view>& arguments) {
     } else if (name == "version") {
       options.version = true;
     } else {
-      throw Fault("unknown option \"" + std::string(arguments[i]) + "\"; see --help");
+      throw Fault("unknown option \"" + arguments[i] + "\"; see --help");
     }
   }
   if (options.help || options.version) return options;
@@ -220,7 +216,7 @@ int compare(const Options& options, Output& output) {
   return kSame;
 }
 
-int run(const std::vector<std::string_view>& arguments) {
+int run(const std::vector<std::string>& arguments) {
   const Options options = parse(arguments);
   Output output;
   int status = kSame;
@@ -239,15 +235,9 @@ int run(const std::vector<std::string_view>& arguments) {
 }  // namespace tapforge_replay
 
 int main(int argc, char** argv) {
-#ifdef _WIN32
-  for (std::FILE* stream : {stdout, stderr}) {
-    _setmode(_fileno(stream), _O_BINARY);  // line ends as they are written
-  }
-#else
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is an error of writing
-#endif
+  tapforge_replay::prepareStreams();
   try {
-    return tapforge_replay::run({argv + (argc > 0 ? 1 : 0), argv + argc});
+    return tapforge_replay::run(tapforge_replay::commandLine(argc, argv));
   } catch (const std::bad_alloc&) {
     std::fputs("tapforge-replay: not enough memory\n", stderr);
   } catch (const std::exception& fault) {

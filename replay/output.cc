@@ -5,10 +5,11 @@
 #include <utility>
 
 #include "replay/fault.h"
+#include "replay/system.h"
 
 namespace tapforge_replay {
 
-Output::Output(const std::string& path) : name_(path), file_(std::fopen(path.c_str(), "wb")) {
+Output::Output(const std::string& path) : name_(path), file_(openFile(path, "wb")) {
   if (file_ == nullptr) fail();
 }
 

@@ -17,7 +17,8 @@ stands with the listing when they agree: what prepares a scan on the line of the
 the KREPEAT 0x20 and KCOMPLETE around it, unless one of them is missing. The start-up banner, with the empty line that begins a first message, is left out; dates and times are masked.
 "\\r", "\\t" and "\\x07" are characters, "c\\{70}" is 70 times c, "line\\{10 lines}" ten such lines, and
 "\\" at the end tells that the last line has no line end. A function holds to the end of its page.
-"<!-- needs WORD -->" before an example lets --without WORD leave it out.
+"<!-- needs WORD -->" before an example lets --without WORD leave it out, in a manual
+".\\" needs WORD".
 
 In a ```console or .Bd block a command is followed by what a terminal shows, without the banner;
 files stay from block to block, and examples/ and player/ are there. Relative links must lead to a file."""
@@ -25,7 +26,8 @@ import argparse, concurrent.futures, difflib, os, pathlib, re, shutil, subproces
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EXAMPLE = re.compile(r"(?m)^(?:<!-- needs (\w+) -->\n\n)?( {4}.*\n(?:\n* {4}.*\n)*)")
-TERMINAL = re.compile(r"(?ms)^(?:```console|\.Bd -literal[^\n]*)\n(.*?)^(?:```|\.Ed)")
+TERMINAL = re.compile(r"(?ms)^(?:\.\\\" needs (\w+)\n)?(?:```console|\.Bd -literal[^\n]*)\n(.*?)"
+                      r"^(?:```|\.Ed)")
 INPUT = re.compile(r"(?m)^(\S.*):(?: empty)?\n((?:  .*\n|\n)*)")
 COMMAND = re.compile(r"[^\n]*\n(?:> [^\n]*\n)*")
 LINK = re.compile(r"\]\(([^)#]+)")
@@ -175,7 +177,9 @@ class Page:
         return match[0][:match.start(2) - match.start()] + re.sub("(?m)^(?=.)", "    ", head)
 
     def terminal(self, match):
-        head, *parts = re.split(r"(?m)^\$ ", match[1])
+        head, *parts = re.split(r"(?m)^\$ ", match[2])
+        if match[1] in self.without:
+            return match[0]
         for part in parts:
             roff = self.path.suffix == ".1"
             text = part.replace(r"\&", "").replace(r"\e", "\\") if roff else part
@@ -186,7 +190,7 @@ class Page:
                 part = COMMAND.match(part)[0] + printed + "\n" * bool(printed)
             head += "$ " + part
             self.examples += 1
-        return match[0].replace(match[1], head)
+        return match[0].replace(match[2], head)
 
 
 def files(folder):
