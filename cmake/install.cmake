@@ -2,6 +2,13 @@ if(WIN32)
   # One folder that can stand anywhere, with the manual for a browser.
   install(TARGETS tapforge tapforge-replay RUNTIME DESTINATION .)
   set(documents .)
+  install(FILES packaging/copyright DESTINATION . RENAME copyright.txt)
+  # The compiler's thread library is a part of the programs and wants to be named.
+  find_file(TAPFORGE_RUNTIME_COPYRIGHT copyright PATHS /usr/share/doc/mingw-w64-common
+            NO_CMAKE_FIND_ROOT_PATH)
+  if(TAPFORGE_RUNTIME_COPYRIGHT)
+    install(FILES ${TAPFORGE_RUNTIME_COPYRIGHT} DESTINATION . RENAME copyright-runtime.txt)
+  endif()
   find_program(TAPFORGE_MANDOC mandoc)
   if(TAPFORGE_MANDOC)
     foreach(page tapforge tapforge-replay)
