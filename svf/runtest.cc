@@ -23,7 +23,6 @@ std::optional<RunTestPart> RunTestReader::next() {
   }
   if (step_ == Step::endState) return endState();
   if (step_ == Step::semicolon) channel_.strSearch(";");
-  step_ = Step::done;
   return std::nullopt;
 }
 
@@ -73,7 +72,6 @@ std::optional<RunTestPart> RunTestReader::maxTime() {
 }
 
 std::optional<RunTestPart> RunTestReader::endState() {
-  step_ = Step::done;
   if (channel_.lexIs(";")) return std::nullopt;
   if (!channel_.is("endstate")) channel_.report().fatal("Invalid RUNTEST format");
   channel_.lex();

@@ -33,7 +33,7 @@ class RunTestReader {
  public:
   explicit RunTestReader(FileChannel& channel) : channel_(channel) {}
 
-  /// The next part; nothing after the ";".
+  /// The next part; nothing after the ";", and then it must not be called again.
   std::optional<RunTestPart> next();
 
  private:
