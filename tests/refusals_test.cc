@@ -210,6 +210,9 @@ TEST(Refusals, EndOfFileInsideAStatement) {
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [end]):\nend\n^*\n");
   EXPECT_EQ(toKsvf(end).messages,
             "\nWarning: Unknown SVF keyword [end]\n[input: line 1]:[end]\nError  : EOF_CH");
+  EXPECT_EQ(toKsvf("SIR 6 TDI (7F").messages,
+            "\nWarning: 1's in 2 MSB bits of leading hex char (7) will be ignored\n"
+            "[input: line 1]:[F]\nError  : EOF_CH");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #ifndef TAPFORGE_VECTOR_KSVF_COMMANDS_H
 #define TAPFORGE_VECTOR_KSVF_COMMANDS_H
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstddef>
@@ -74,6 +75,8 @@ inline constexpr std::array kCommands = std::to_array<CommandRow>({
     {Command::KCOMMENT, "KCOMMENT", {}, 0},
     {Command::KWAIT, "KWAIT", {1, 1, 4}, 0},
 });
+
+static_assert(std::ranges::is_sorted(kCommands, {}, &CommandRow::code));
 
 namespace ksvf_commands {
 
