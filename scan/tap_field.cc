@@ -37,11 +37,6 @@ unsigned CTapField::physicalDigit(std::int64_t index) const {
   return index % 2 != 0 ? byte >> 4 : byte & 15U;
 }
 
-unsigned CTapField::getTapDataChar(std::int64_t index) const {
-  const std::int64_t toWrap = lNumChars() - lStartChar_;
-  return physicalDigit(index >= toWrap ? index - toWrap : index + lStartChar_);
-}
-
 void CTapField::putDigit(std::int64_t index, unsigned value) {
   assert(index >= 0 && index < lNumChars() && value < 16);
   unsigned char& byte = pData_.get()[index / 2];

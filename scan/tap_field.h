@@ -47,9 +47,13 @@ class CTapField {
   std::int64_t lLength() const { return lLength_; }              // bits
   std::int64_t lNumChars() const { return digitsOf(lLength_); }  // hex digits
 
-  /// A digit by its logical or its physical index, both below lNumChars().
-  unsigned getTapDataChar(std::int64_t index) const;
+  /// A digit by its physical index, which is below lNumChars().
   unsigned physicalDigit(std::int64_t index) const;
+  /// A digit by its logical index, for a field with lStartChar_ 0.
+  unsigned getTapDataChar(std::int64_t index) const {
+    assert(lStartChar_ == 0);
+    return physicalDigit(index);
+  }
 
   /// Says which physical digit is logical digit 0.
   void setStart(std::int64_t index) { lStartChar_ = index; }
