@@ -39,7 +39,7 @@ class MemoryFile {
   MemoryFile& operator=(const MemoryFile&) = delete;
 
   /// A handle at its start; one at a time.
-  FilePtr open();
+  FilePtr open() const;
   std::string text() const;
 
  private:

@@ -63,7 +63,7 @@ MemoryFile::~MemoryFile() {
   freeFiles().push_back(file_);
 }
 
-FilePtr MemoryFile::open() {
+FilePtr MemoryFile::open() const {
   lseek(file_, 0, SEEK_SET);
   return FilePtr(fdopen(dup(file_), "r+b"));
 }
