@@ -95,7 +95,7 @@ TEST(Tokens, OfBothModes) {
 }
 
 // Line, last item and, where lines are shown, column and text of the line: after the token
-// "here" or "@", or at the end of the file or a refusal.
+// "here", "@" or "/", or at the end of the file or a refusal.
 std::string place(const std::string& svf, SyntaxRules rules) {
   rules.positionText = [](const SourcePlace& at) {
     const std::string line(at.sSrcLine);
@@ -104,7 +104,10 @@ std::string place(const std::string& svf, SyntaxRules rules) {
   };
   Source source(svf, rules);
   try {
-    while (source.channel.lexKeyword() && !source.channel.is("here") && !source.channel.is("@")) {
+    const auto isMark = [&] {
+      return source.channel.is("here") || source.channel.is("@") || source.channel.is("/");
+    };
+    while (source.channel.lexKeyword() && !isMark()) {
     }
   } catch (const ProgramEnd&) {
   }
@@ -151,6 +154,8 @@ TEST(Tokens, HaveAPlace) {
           {blanks(195) + "a  \n@", "2[@]0:@", "2[@]"},
           // A word that is too long has been read up to the limit.
           {blanks(198) + std::string(99, 'w'), "1[]0:" + std::string(98, 'w'), "1[ ]"},
+          {blanks(150) + std::string(99, 'w'), "1[]0:" + std::string(50, 'w'), "1[ ]"},
+          {blanks(198) + "/x", "1[/]0:x", "1[x]"},
       },
       place);
 }

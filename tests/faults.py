@@ -59,9 +59,10 @@ class Faults(unittest.TestCase):
         with open("/dev/full", "wb") as full:
             self.run_it("-w", "-o", "out", "-i", "in.svf", status=1, stdout=full)
         whole = (self.at / "out").read_bytes()
-        closed = f"exec '{PROGRAM}' -w -o closed -i in.svf >&- 2>&- <&-"
+        closed = f"umask 027; exec '{PROGRAM}' -z 1 -w -o closed -i in.svf >&- 2>&- <&-"
         self.assertEqual(subprocess.run(["sh", "-c", closed], cwd=self.at).returncode, 0)
         self.assertEqual((self.at / "closed").read_bytes(), whole)
+        self.assertEqual((self.at / "closed").stat().st_mode & 0o777, 0o640)
 
     def test_output_after_the_banner_on_one_pipe(self):
         self.run_it("-w", "-o", "out", "-i", "in.svf", status=0)
