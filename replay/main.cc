@@ -1,8 +1,6 @@
 // tapforge-replay: shows what a file does to a TAP, or compares a source with what
 // was made of it.
 
-#include <unistd.h>
-
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -141,7 +139,7 @@ std::string helpText() {
 class Progress {
  public:
   explicit Progress(Input& input) {
-    if (isatty(STDERR_FILENO) == 0) return;
+    if (!isTerminal(stderr)) return;
     input.onBlock = [this](const Input& at) { show(at); };
   }
   ~Progress() {

@@ -9,6 +9,8 @@
 // After windows.h, which it needs.
 #include <shellapi.h>
 #else
+#include <unistd.h>
+
 #include <csignal>
 #endif
 
@@ -28,6 +30,8 @@ void prepareStreams() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
 }
+
+bool isTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
 
 std::vector<std::string> commandLine(int /*argc*/, char** /*argv*/) {
   std::vector<std::string> arguments;
@@ -49,6 +53,8 @@ std::FILE* openFile(const std::string& name, const char* mode) {
 #else
 
 void prepareStreams() { std::signal(SIGPIPE, SIG_IGN); }
+
+bool isTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 
 std::vector<std::string> commandLine(int argc, char** argv) {
   return {argv + (argc > 0 ? 1 : 0), argv + argc};

@@ -18,6 +18,8 @@ void prepareStreams();
 /// The arguments after the name of the program; Windows does not look at `argv`.
 std::vector<std::string> commandLine(int argc, char** argv);
 
+bool isTerminal(std::FILE* stream);
+
 /// As fopen(): null if it fails, with errno. The caller closes it.
 std::FILE* openFile(const std::string& name, const char* mode);
 

@@ -80,6 +80,8 @@ TEST(ScanStatement, KeepsValuesWhileTheLengthStays) {
     pattern.storage(ScanValue::tdo).initTapField(8 * bytes);
     EXPECT_TRUE(pattern.setPattern(8 * bytes, tdi));
     EXPECT_EQ(pattern.storage(ScanValue::tdo).pData() != nullptr, bytes == CTapField::kSmall);
+    pattern.storage(ScanValue::tdo).initTapField(8);
+    EXPECT_NE(pattern.storage(ScanValue::tdo).pData(), nullptr);
   }
 }
 

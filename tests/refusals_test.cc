@@ -171,6 +171,7 @@ TEST(Refusals, Scans) {
       {"SDR 8 TDI (0<G>);", "Invalid SVF data [G]"},
       {"SDR 8 TDI (0 <!> 1);", "Invalid SVF data [!]"},
       {"SDR 8 TDI <00>;", "Expecting [(]"},
+      {"SDR 8 TDI <)>00);", "Expecting [(]"},
       {"SDR 8 TDI (1A<5>);", excess},
       {"SIR 6 TDI (7<F>);", "Warning: 1's in 2 MSB bits of leading hex char (7) will be ignored"},
   });
