@@ -123,7 +123,7 @@ class Generator:
         counted = "times" not in self.has or not self.one_in(3)
         if counted:
             most = 1 << 24 if self.one_in(20) else 5000
-            self.item("2E3" if self.one_in(10) else str(self.random.randrange(most)))
+            self.item("2E3" if self.one_in(10) else str(self.random.randrange(1, most)))
             self.item("sck" if "sck" in self.has and self.one_in(5) else "tck")
         if not counted or ("both" in self.has and "times" in self.has and self.one_in(5)):
             fine = ("3.757e-02", "50021E-6", "0.0004041") if "fine-times" in self.has else ()
