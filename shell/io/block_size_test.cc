@@ -55,7 +55,7 @@ TEST(BlockSize, DoesNotShow) {
   }
   for (const std::string& text : texts) {
     const std::string expected = conversions(text);
-    for (const std::size_t size : {1, 3, 200}) {
+    for (const std::size_t size : {1U, 3U, 200U}) {
       const WithBlockSize blocks(size);
       EXPECT_EQ(conversions(text), expected) << "blocks of " << size;
     }
