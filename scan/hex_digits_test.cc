@@ -6,7 +6,7 @@
 #include <cctype>
 #include <string>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 
 namespace tapforge {
 namespace {

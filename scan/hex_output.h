@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "io/output_file.h"
 #include "scan/hex_digits.h"
-#include "shell/io/output_file.h"
 
 namespace tapforge {
 

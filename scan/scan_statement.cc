@@ -4,8 +4,8 @@
 #include <new>
 #include <span>
 
+#include "io/text.h"
 #include "scan/hex_digits.h"
-#include "shell/io/text.h"
 #include "svf/char_class.h"
 #include "svf/numbers.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "tests/support/fakes.h"
 #include "tests/support/in_memory.h"
 

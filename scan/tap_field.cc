@@ -4,7 +4,7 @@
 #include <limits>
 #include <new>
 
-#include "shell/io/system.h"
+#include "io/system.h"
 
 namespace tapforge {
 

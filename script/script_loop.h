@@ -1,10 +1,10 @@
 #ifndef TAPFORGE_SCRIPT_SCRIPT_LOOP_H
 #define TAPFORGE_SCRIPT_SCRIPT_LOOP_H
 
+#include "io/files.h"
+#include "io/output_file.h"
+#include "io/reporter.h"
 #include "script/script_vars.h"
-#include "shell/io/files.h"
-#include "shell/io/output_file.h"
-#include "shell/io/reporter.h"
 
 namespace progmode_svf2tapbus {
 

@@ -1,6 +1,6 @@
 #include "script/script_traits.h"
 
-#include "shell/io/text.h"
+#include "io/text.h"
 
 namespace progmode_svf2tapbus {
 namespace {

@@ -1,7 +1,7 @@
 #ifndef TAPFORGE_SCRIPT_SCRIPT_TRAITS_H
 #define TAPFORGE_SCRIPT_SCRIPT_TRAITS_H
 
-#include "shell/io/reporter.h"
+#include "io/reporter.h"
 #include "svf/syntax_rules.h"
 
 namespace progmode_svf2tapbus {

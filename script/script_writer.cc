@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "io/text.h"
 #include "scan/scan_statement.h"
 #include "script/hex_lines.h"
-#include "shell/io/text.h"
 #include "svf/numbers.h"
 
 namespace progmode_svf2tapbus {

@@ -4,11 +4,11 @@
 #include <memory>
 #include <string_view>
 
+#include "io/output_file.h"
+#include "io/reporter.h"
 #include "scan/tap_obj.h"
 #include "script/script_vars.h"
 #include "script/statement_text.h"
-#include "shell/io/output_file.h"
-#include "shell/io/reporter.h"
 #include "svf/file_channel.h"
 #include "svf/runtest.h"
 

@@ -1,8 +1,8 @@
 // The SVF form of mode 0.
 
+#include "io/text.h"
 #include "script/hex_lines.h"
 #include "script/script_writer.h"
-#include "shell/io/text.h"
 
 namespace progmode_svf2tapbus {
 namespace {

@@ -1,8 +1,8 @@
 // The Tcl form of mode 0: commands for a console with a tapbus.
 
+#include "io/text.h"
 #include "scan/hex_output.h"
 #include "script/script_writer.h"
-#include "shell/io/text.h"
 #include "svf/numbers.h"
 
 namespace progmode_svf2tapbus {

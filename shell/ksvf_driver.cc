@@ -1,4 +1,4 @@
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "shell/ksvf_options.h"
 #include "shell/prog_mode.h"
 #include "shell/run_program.h"

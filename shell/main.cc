@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "shell/io/system.h"
-#include "shell/io/text.h"
+#include "io/system.h"
+#include "io/text.h"
 #include "shell/prog_mode.h"
 #include "shell/version.h"
 

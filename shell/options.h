@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "shell/run_files.h"
 
 namespace tapforge {

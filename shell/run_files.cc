@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 
 namespace tapforge {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "shell/io/files.h"
-#include "shell/io/output_file.h"
-#include "shell/io/reporter.h"
+#include "io/files.h"
+#include "io/output_file.h"
+#include "io/reporter.h"
 
 namespace tapforge {
 

@@ -1,6 +1,6 @@
+#include "io/text.h"
 #include "script/script_loop.h"
 #include "script/script_traits.h"
-#include "shell/io/text.h"
 #include "shell/prog_mode.h"
 #include "shell/run_program.h"
 #include "shell/script_options.h"

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "shell/io/block_size.h"
+#include "io/block_size.h"
 
 namespace tapforge {
 namespace {

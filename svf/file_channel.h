@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "shell/io/files.h"
-#include "shell/io/reporter.h"
+#include "io/files.h"
+#include "io/reporter.h"
 #include "svf/syntax_rules.h"
 #include "svf/word.h"
 

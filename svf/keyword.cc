@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {

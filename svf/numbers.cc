@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {

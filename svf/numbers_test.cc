@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "tests/support/fakes.h"
 
 namespace tapforge::testing {

@@ -4,7 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "svf/char_class.h"
 
 namespace tapforge {

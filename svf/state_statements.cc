@@ -1,6 +1,6 @@
 #include "svf/state_statements.h"
 
-#include "shell/io/text.h"
+#include "io/text.h"
 
 namespace tapforge {
 

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <limits>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "svf/char_class.h"
 #include "svf/file_channel.h"
 

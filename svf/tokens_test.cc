@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/io/text.h"
+#include "io/text.h"
 #include "tests/support/fakes.h"
 
 namespace tapforge::testing {

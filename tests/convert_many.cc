@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/io/system.h"
+#include "io/system.h"
 #include "shell/prog_mode.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "shell/io/block_size.h"
+#include "io/block_size.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <bit>
 
+#include "io/text.h"
 #include "scan/composite.h"
-#include "shell/io/text.h"
 
 namespace progmode_svf2ksvf {
 namespace {

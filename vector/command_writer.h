@@ -6,9 +6,9 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "io/output_file.h"
+#include "io/reporter.h"
 #include "scan/hex_output.h"
-#include "shell/io/output_file.h"
-#include "shell/io/reporter.h"
 #include "vector/ksvf_commands.h"
 
 namespace progmode_svf2ksvf {

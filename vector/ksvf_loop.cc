@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "io/text.h"
 #include "scan/scan_statement.h"
-#include "shell/io/text.h"
 #include "svf/numbers.h"
 #include "svf/runtest.h"
 #include "svf/state_statements.h"

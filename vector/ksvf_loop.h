@@ -1,9 +1,9 @@
 #ifndef TAPFORGE_VECTOR_KSVF_LOOP_H
 #define TAPFORGE_VECTOR_KSVF_LOOP_H
 
-#include "shell/io/files.h"
-#include "shell/io/output_file.h"
-#include "shell/io/reporter.h"
+#include "io/files.h"
+#include "io/output_file.h"
+#include "io/reporter.h"
 #include "vector/ksvf_vars.h"
 
 namespace progmode_svf2ksvf {

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "io/reporter.h"
 #include "scan/tap_obj.h"
-#include "shell/io/reporter.h"
 #include "vector/command_writer.h"
 #include "vector/ksvf_vars.h"
 

@@ -1,6 +1,6 @@
 #include "vector/ksvf_traits.h"
 
-#include "shell/io/text.h"
+#include "io/text.h"
 
 namespace progmode_svf2ksvf {
 namespace {

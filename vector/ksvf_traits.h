@@ -1,7 +1,7 @@
 #ifndef TAPFORGE_VECTOR_KSVF_TRAITS_H
 #define TAPFORGE_VECTOR_KSVF_TRAITS_H
 
-#include "shell/io/reporter.h"
+#include "io/reporter.h"
 #include "svf/syntax_rules.h"
 
 namespace progmode_svf2ksvf {

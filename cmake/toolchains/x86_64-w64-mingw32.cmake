@@ -16,4 +16,4 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 
 # Tests run under wine, which keeps what it makes in the build folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR
-    ${CMAKE_CURRENT_LIST_DIR}/../../scripts/wine ${CMAKE_BINARY_DIR}/wine)
+    ${CMAKE_CURRENT_LIST_DIR}/../../tools/wine ${CMAKE_BINARY_DIR}/wine)

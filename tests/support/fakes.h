@@ -6,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
-#include "shell/io/block_size.h"
-#include "shell/io/files.h"
-#include "shell/io/reporter.h"
+#include "io/block_size.h"
+#include "io/files.h"
+#include "io/reporter.h"
 #include "svf/file_channel.h"
 
 namespace tapforge::testing {

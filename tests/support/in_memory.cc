@@ -13,10 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "io/output_file.h"
 #include "script/script_loop.h"
 #include "script/script_traits.h"
 #include "script/script_writer.h"
-#include "shell/io/output_file.h"
 #include "tests/support/fakes.h"
 #include "vector/ksvf_loop.h"
 #include "vector/ksvf_traits.h"

@@ -1,10 +1,10 @@
-#include "shell/io/output_file.h"
+#include "io/output_file.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <utility>
 
-#include "shell/io/block_size.h"
+#include "io/block_size.h"
 
 namespace tapforge {
 

@@ -1,10 +1,10 @@
-#include "shell/io/reporter.h"
+#include "io/reporter.h"
 
 #include <array>
 #include <cstdio>
 
-#include "shell/io/output_file.h"
-#include "shell/io/text.h"
+#include "io/output_file.h"
+#include "io/text.h"
 
 namespace tapforge {
 namespace {

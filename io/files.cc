@@ -1,7 +1,7 @@
-#include "shell/io/files.h"
+#include "io/files.h"
 
-#include "shell/io/reporter.h"
-#include "shell/io/text.h"
+#include "io/reporter.h"
+#include "io/text.h"
 
 namespace tapforge {
 namespace {

@@ -3,7 +3,7 @@
 #define _FILE_OFFSET_BITS 64  // NOLINT(bugprone-reserved-identifier)
 #endif
 
-#include "shell/io/system.h"
+#include "io/system.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_IO_BLOCK_SIZE_H
-#define TAPFORGE_SHELL_IO_BLOCK_SIZE_H
+#ifndef TAPFORGE_IO_BLOCK_SIZE_H
+#define TAPFORGE_IO_BLOCK_SIZE_H
 
 #include <cstddef>
 
@@ -12,4 +12,4 @@ extern std::size_t gBlockSize;
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_IO_BLOCK_SIZE_H
+#endif  // TAPFORGE_IO_BLOCK_SIZE_H

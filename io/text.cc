@@ -1,4 +1,4 @@
-#include "shell/io/text.h"
+#include "io/text.h"
 
 #include <algorithm>
 #include <array>

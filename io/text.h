@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_IO_TEXT_H
-#define TAPFORGE_SHELL_IO_TEXT_H
+#ifndef TAPFORGE_IO_TEXT_H
+#define TAPFORGE_IO_TEXT_H
 
 #include <cstdint>
 #include <string>
@@ -42,4 +42,4 @@ std::string xToUpper(std::string_view text);
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_IO_TEXT_H
+#endif  // TAPFORGE_IO_TEXT_H

@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_IO_SYSTEM_H
-#define TAPFORGE_SHELL_IO_SYSTEM_H
+#ifndef TAPFORGE_IO_SYSTEM_H
+#define TAPFORGE_IO_SYSTEM_H
 
 #include <cstdint>
 #include <cstdio>
@@ -62,4 +62,4 @@ void preferLargePages(unsigned char* data, std::size_t size);
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_IO_SYSTEM_H
+#endif  // TAPFORGE_IO_SYSTEM_H

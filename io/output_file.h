@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_IO_OUTPUT_FILE_H
-#define TAPFORGE_SHELL_IO_OUTPUT_FILE_H
+#ifndef TAPFORGE_IO_OUTPUT_FILE_H
+#define TAPFORGE_IO_OUTPUT_FILE_H
 
 #include <cassert>
 #include <cstddef>
@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/io/system.h"
+#include "io/system.h"
 
 namespace tapforge {
 
@@ -85,4 +85,4 @@ class OutputFile {
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_IO_OUTPUT_FILE_H
+#endif  // TAPFORGE_IO_OUTPUT_FILE_H

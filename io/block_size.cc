@@ -1,4 +1,4 @@
-#include "shell/io/block_size.h"
+#include "io/block_size.h"
 
 namespace tapforge {
 

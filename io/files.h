@@ -1,10 +1,10 @@
-#ifndef TAPFORGE_SHELL_IO_FILES_H
-#define TAPFORGE_SHELL_IO_FILES_H
+#ifndef TAPFORGE_IO_FILES_H
+#define TAPFORGE_IO_FILES_H
 
 #include <string>
 #include <string_view>
 
-#include "shell/io/system.h"
+#include "io/system.h"
 
 namespace tapforge {
 
@@ -46,4 +46,4 @@ char getResponse(std::string_view prompt, std::string_view allowed, char atEnd, 
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_IO_FILES_H
+#endif  // TAPFORGE_IO_FILES_H

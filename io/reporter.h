@@ -1,5 +1,5 @@
-#ifndef TAPFORGE_SHELL_IO_REPORTER_H
-#define TAPFORGE_SHELL_IO_REPORTER_H
+#ifndef TAPFORGE_IO_REPORTER_H
+#define TAPFORGE_IO_REPORTER_H
 
 #include <cstdint>
 #include <ctime>
@@ -140,4 +140,4 @@ class Reporter {
 
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_IO_REPORTER_H
+#endif  // TAPFORGE_IO_REPORTER_H

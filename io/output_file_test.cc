@@ -1,4 +1,4 @@
-#include "shell/io/output_file.h"
+#include "io/output_file.h"
 
 #include <gtest/gtest.h>
 
