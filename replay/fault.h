@@ -12,9 +12,9 @@ struct Fault : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A Tcl file that a Tcl shell does not run as meant. `where` is the place and
-/// what is wrong there, "line 12: ...", without the name of the file. A comparison
-/// makes a finding of it when it is the converted file that says so.
+/// A file that nobody plays: Tcl that a Tcl shell does not run as meant, or an unmerged
+/// copy. `where` is the place and what is wrong there, "line 12: ...", without the name of the
+/// file. A comparison makes a finding of it when it is the converted file that says so.
 struct NotPlayable : Fault {
   NotPlayable(const std::string& path, const std::string& what)
       : Fault(path + ": " + what), where(what) {}

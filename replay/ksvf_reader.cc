@@ -42,7 +42,7 @@ class KsvfReader final : public Reader {
       return;
     }
     operation.kind = Kind::kEnd;
-    operation.place = {0, input_.offset(), input_.offset()};
+    operation.place = {0, input_.offset()};
   }
 
   int read() { return input_.get(); }

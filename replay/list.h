@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "replay/input.h"
 #include "replay/operation.h"
 #include "replay/output.h"
 
@@ -11,9 +12,9 @@ namespace tapforge_replay {
 /// Writes a line for each operation, cut after `width` characters.
 void listOperations(Reader& reader, std::size_t width, Output& output);
 
-/// Writes where scan `number` stands, what it shifts, and the text of its
-/// statement, which is read from `path` again. Throws Fault when there is none.
-void showScan(Reader& reader, std::uint64_t number, const std::string& path, Output& output);
+/// Writes where scan `number` of what `reader` reads from `input` stands, what it
+/// shifts, and the text of its statement. Throws Fault when there is none.
+void showScan(Reader& reader, std::uint64_t number, const Input& input, Output& output);
 
 }  // namespace tapforge_replay
 

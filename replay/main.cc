@@ -172,7 +172,7 @@ int show(const Options& options, Output& output) {
   const Progress progress(input);
   const auto reader = makeReader(input, options.dataWaits);
   if (options.scan > 0) {
-    showScan(*reader, options.scan, input.path(), output);
+    showScan(*reader, options.scan, input, output);
   } else if (!options.vcd.empty()) {
     Output pins(options.vcd);
     writeVcd(*reader, pins);

@@ -5,7 +5,17 @@
 #include <string>
 #include <string_view>
 
+#include "replay/fault.h"
+
 namespace tapforge_replay {
+
+/// Text with each character that is not printable ASCII as "\x1b".
+std::string printable(std::string_view text);
+
+/// What writing to standard output throws when nobody reads it any more.
+struct ClosedPipe : Fault {
+  using Fault::Fault;
+};
 
 /// A file or standard output that is written from front to back. Every function
 /// throws Fault when not all can be written.

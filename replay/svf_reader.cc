@@ -1,6 +1,7 @@
 #include <optional>
 #include <utility>
 
+#include "replay/fault.h"
 #include "replay/text_reader.h"
 
 namespace tapforge_replay {
@@ -12,45 +13,25 @@ class SvfReader final : public TextReader {
  public:
   explicit SvfReader(Input& input) : TextReader(input, "!/") {}
 
-  std::string_view form() const override { return copy_ == Copy::kYes ? "SVF copy" : "SVF"; }
+  std::string_view form() const override { return "SVF"; }
 
   void next(Operation& operation) override {
     do {
       skipBlanks();
+      input_.mark();
       operation.kind = Kind::kEnd;
-      operation.place = {line_, input_.offset(), 0};
+      operation.place = {line_, input_.offset()};
       const std::string keyword(word());
       if (keyword.empty()) break;
       if (!statement(keyword, operation)) continue;
-      operation.place.end = input_.offset();
       return;
     } while (true);
-    operation.place.end = input_.offset();
   }
 
  private:
-  // In a copy that is not merged, "!" stands before the values of a scan.
   bool skipComment() override {
     if (input_.get() == '/' && input_.peek() != '/') fail("a \"/\" on its own");
-    if (copy_ != Copy::kNo && inScan_ && label()) return false;
     skipLine();
-    return true;
-  }
-
-  bool label() {
-    if (inValue_) return copy_ == Copy::kYes;
-    std::string text;
-    while (text.size() < 8 && input_.peek() >= ' ' && !text.ends_with('(')) {
-      text += static_cast<char>(input_.get());
-    }
-    label_ = text == "   TDI ("   ? "tdi"
-             : text == "   TDO (" ? "tdo"
-             : text == "  MASK (" ? "mask"
-                                  : "";
-    if (label_.empty()) return false;
-    if (std::exchange(copy_, Copy::kYes) != Copy::kYes) {
-      note("an unmerged copy: its values are read from comments, which no player does");
-    }
     return true;
   }
 
@@ -102,10 +83,8 @@ class SvfReader final : public TextReader {
                                                     : which == 'h' ? ScanJoiner::kHeader
                                                                    : ScanJoiner::kTrailer);
     pattern.begin(length(needWord()));
-    inScan_ = pattern.length > 0;
     values(pattern);
-    inScan_ = false;
-    if (pattern.length > 0 && !pattern[Pattern::kTdi].given) fail("TDI is missing");
+    requireTdi(pattern);
     if (which != 's' || pattern.length == 0) return false;
     operation.kind = Kind::kScan;
     operation.number = ++scans_;
@@ -114,28 +93,32 @@ class SvfReader final : public TextReader {
     return true;
   }
 
+  void requireTdi(const Pattern& pattern) const {
+    if (pattern.length == 0 || pattern[Pattern::kTdi].given) return;
+    throw NotPlayable(input_.path(), "line " + std::to_string(line_) +
+                                         ": TDI is missing; an unmerged copy (tapforge -c) has it "
+                                         "in comments, which no player reads");
+  }
+
   void values(Pattern& pattern) {
     while (true) {
-      label_.clear();
-      const bool labelled = skipBlanks() >= 0 && !label_.empty();
-      if (copy_ == Copy::kUnknown && inScan_) copy_ = Copy::kNo;
-      const std::string name = labelled ? label_ : std::string(needWord());
+      const std::string name(word());
       if (name == ";") return;
       const auto value = name == "tdi"     ? Pattern::kTdi
                          : name == "tdo"   ? Pattern::kTdo
                          : name == "mask"  ? Pattern::kMask
                          : name == "smask" ? Pattern::kSmask
                                            : Pattern::kNameCount;
-      if (value == Pattern::kNameCount)
+      if (value == Pattern::kNameCount) {
+        requireTdi(pattern);
         fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
-      if (!labelled) expect("(");
+      }
+      expect("(");
       if (pattern.length == 0) {  // says nothing
         while (needWord() != ")") continue;
         continue;
       }
-      inValue_ = true;
       readHex(pattern[value].bits, pattern.length, ')');
-      inValue_ = false;
       pattern[value].given = true;
     }
   }
@@ -185,12 +168,6 @@ class SvfReader final : public TextReader {
     if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
     return true;
   }
-
-  enum class Copy { kUnknown, kNo, kYes };
-  Copy copy_ = Copy::kUnknown;
-  bool inScan_ = false;
-  bool inValue_ = false;
-  std::string label_;  // of the value that a comment begins
 };
 
 }  // namespace

@@ -22,11 +22,16 @@ std::filesystem::path pathOf(const std::string& name) {
   return std::u8string(name.begin(), name.end());
 }
 
+std::filesystem::path pathOfInput(const std::string& name) {
+  return pathOf(name == "-" ? "/dev/stdin" : name);
+}
+
 }  // namespace
 
 #ifdef _WIN32
 
 void prepareStreams() {
+  _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
 }
@@ -52,7 +57,10 @@ std::FILE* openFile(const std::string& name, const char* mode) {
 
 #else
 
-void prepareStreams() { std::signal(SIGPIPE, SIG_IGN); }
+void prepareStreams() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 bool isTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 
@@ -68,8 +76,18 @@ std::FILE* openFile(const std::string& name, const char* mode) {
 
 std::uint64_t fileSize(const std::string& name) {
   std::error_code unknown;
-  const std::uintmax_t size = std::filesystem::file_size(pathOf(name), unknown);
+  const std::uintmax_t size = std::filesystem::file_size(pathOfInput(name), unknown);
   return unknown ? 0 : size;
+}
+
+bool isRegularFile(const std::string& name) {
+  std::error_code unknown;
+  return std::filesystem::is_regular_file(pathOf(name), unknown);
+}
+
+bool isSameFile(const std::string& one, const std::string& other) {
+  std::error_code unknown;
+  return std::filesystem::equivalent(pathOfInput(one), pathOfInput(other), unknown);
 }
 
 }  // namespace tapforge_replay

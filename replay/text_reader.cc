@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "replay/fault.h"
+#include "replay/output.h"
 
 namespace tapforge_replay {
 namespace {
@@ -27,6 +28,13 @@ constexpr std::array<std::uint8_t, 256> digitTable() {
 constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
 
 }  // namespace
+
+std::string& toLowerCase(std::string& text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
 
 void Pattern::begin(std::size_t newLength) {
   if (newLength != length) {
@@ -113,7 +121,7 @@ void TapFollower::wait(Operation& wait) {
 }
 
 void TextReader::fail(const std::string& text) const {
-  throw Fault(input_.path() + ": line " + std::to_string(line_) + ": " + text);
+  throw Fault(input_.path() + ": line " + std::to_string(line_) + ": " + printable(text));
 }
 
 void TextReader::countLine(int character) {
@@ -164,13 +172,10 @@ std::string_view TextReader::word() {
     const std::string_view ahead = input_.window();
     std::size_t count = 0;
     while (count < ahead.size() && kindOf(ahead[count]) == kPlain) ++count;
-    for (const char character : ahead.substr(0, count)) {
-      const bool capital = character >= 'A' && character <= 'Z';
-      word_ += static_cast<char>(capital ? character - 'A' + 'a' : character);
-    }
+    word_ += ahead.substr(0, count);
     input_.skip(count);
     if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
-    if (count < ahead.size() || ahead.empty()) return word_;
+    if (count < ahead.size() || ahead.empty()) return toLowerCase(word_);
   }
 }
 
@@ -274,7 +279,8 @@ void TextReader::step(TapState target, bool first, Operation& move) {
 }
 
 std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
-  constexpr char kKsvfFirst = 7;  // every file begins with KREPEAT
+  constexpr char kKsvfFirst = 7;          // every file begins with KREPEAT
+  constexpr std::size_t kMostStart = 32;  // characters of a line that tell its form
   std::string_view ahead = input.window();
   if (ahead.starts_with(kKsvfFirst)) return makeKsvfReader(input, dataWaits);
   while (!ahead.empty()) {
@@ -282,7 +288,8 @@ std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
     if (start == std::string_view::npos) break;
     ahead.remove_prefix(start);
     const std::size_t end = std::min(ahead.find_first_of("\r\n"), ahead.size());
-    const std::string_view line = ahead.substr(0, end);
+    std::string line(ahead.substr(0, std::min(end, kMostStart)));
+    toLowerCase(line);
     if (line.starts_with('#') || line.starts_with("set_property") || line.starts_with("puts ") ||
         line.substr(0, line.find(' ')).ends_with("_tapbus")) {
       return makeTclReader(input);

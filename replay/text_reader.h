@@ -13,6 +13,9 @@
 
 namespace tapforge_replay {
 
+/// Changes capitals A to Z.
+std::string& toLowerCase(std::string& text);
+
 /// What the values of one statement or of a header or trailer are. Values that a
 /// statement leaves out stay while the length stays, but TDO never does.
 struct Pattern {
@@ -114,7 +117,7 @@ class TextReader : public Reader {
   void step(TapState target, bool first, Operation& move);
 
   /// Ends the reading with a Fault that names the present line.
-  [[noreturn]] void fail(const std::string& text) const;
+  [[noreturn]] virtual void fail(const std::string& text) const;
 
   Input& input_;
   std::uint64_t line_ = 1;
