@@ -34,6 +34,7 @@ class KsvfReader final : public Reader {
   }
 
   std::string_view form() const override { return "KSVF"; }
+  bool beginsWithReset() const override { return true; }
 
   void next(Operation& operation) override {
     while (taken_ == ready_ && player_->result == KSVF_PLAYING) step();

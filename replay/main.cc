@@ -39,13 +39,14 @@ tapforge-replay [option ...] SOURCE CONVERTED
 -vcd PINS         write the pins to PINS for a waveform viewer, and no list
 -strict           any difference gives status 1
 -allow CLASS,...  these differences do not give status 1
--tck_freq N       Hz by which times became clocks (default: as the waits show)
+-tck_freq N       Hz at which the board clocks (default: the source's FREQUENCY)
 -v2               KSVF waits after data scans only, as players of version 2 do
 -h, --help        this text
 --version         the version
 
 Status: 0 the same for the devices, and no wait is shorter; 1 it is not; 2 a file
-cannot be read or played. Classes of difference, those with * give status 1:
+cannot be read or played. Classes of difference, those with * give status 1, and
+those with ! in spite of -allow:
 )";
 
 struct Options {
@@ -76,6 +77,7 @@ void allow(std::string_view names, Options& options) {
     const std::string_view name = names.substr(0, names.find(','));
     const auto difference = findDifference(name);
     if (!difference) throw Fault("-allow does not know \"" + std::string(name) + "\"; see --help");
+    if (ruleOf(*difference).fatal) throw Fault("\"" + std::string(name) + "\" cannot be allowed");
     options.allowed.insert(*difference);
     names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
@@ -129,7 +131,7 @@ std::string helpText() {
   std::string text(kHelp);
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
     const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless ? "    " : "  * ").append(rule.name);
+    text.append(rule.harmless ? "    " : rule.fatal ? "  ! " : "  * ").append(rule.name);
     text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
   }
   return text;

@@ -79,13 +79,8 @@ class Reader {
   /// Throws Fault when the file cannot be read or played.
   virtual void next(Operation& operation) = 0;
   virtual std::string_view form() const = 0;  ///< for people
-
-  /// Commands that share a line with another one, where that is an error.
-  struct SharedLines {
-    std::uint64_t count = 0;
-    Place first;
-  };
-  virtual SharedLines sharedLines() const { return {}; }
+  /// Whether a player of the file resets the TAP before anything else.
+  virtual bool beginsWithReset() const { return false; }
 
   /// What is odd about the file, a sentence each.
   const std::vector<std::string>& notes() const { return notes_; }
