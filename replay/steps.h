@@ -23,23 +23,25 @@ class Steps {
   explicit Steps(Reader& file) : reader{file} {}
 
   void next();
+  void skipToEnd() {
+    while (kind != Kind::kEnd) next();
+  }
   bool isGapOver() const { return kind == Kind::kScan || kind == Kind::kEnd; }
-  void skipToEnd();
 
   Reader& reader;
   Operation operation;  ///< that the step is a part of
   Kind kind = Kind::kState;
   TapState state = TapState::kReset;  ///< entered last
   Wait wait;
-  bool isImplied = false;    ///< a reset that the file does not say
-  bool isReading = false;    ///< the reader threw
-  std::uint64_t scans = 0;   ///< up to this step
-  std::uint64_t waits = 0;   ///< the same, of those that the file says
+  bool isImplied = false;   ///< a reset that the file does not say
+  bool isReading = false;   ///< the reader threw
+  std::uint64_t scans = 0;  ///< up to this step
+  std::uint64_t waits = 0;  ///< the same, of those that the file says
 
  private:
   void read();
   bool isOwnStep();
-  bool enter();
+  bool enter(TapState next);
 
   bool isFresh_ = true;     // no state was entered
   std::size_t at_ = 0;      // of the steps of the operation
