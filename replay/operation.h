@@ -87,6 +87,9 @@ class Reader {
   };
   virtual SharedLines sharedLines() const { return {}; }
 
+  /// Bits of the longest vector that a player of KSVF has to hold; 0 in other forms.
+  virtual std::size_t longestVector() const { return 0; }
+
   /// What is odd about the file, a sentence each.
   const std::vector<std::string>& notes() const { return notes_; }
 
