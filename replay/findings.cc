@@ -40,7 +40,7 @@ const DifferenceRule& ruleOf(Difference difference) {
 
 std::optional<Difference> findDifference(std::string_view name) {
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
-    if (kRules[i].name == name) return static_cast<Difference>(i);
+    if (kRules[i].name == name && !kRules[i].fatal) return static_cast<Difference>(i);
   }
   return std::nullopt;
 }

@@ -31,7 +31,7 @@ struct DifferenceRule {
 };
 const DifferenceRule& ruleOf(Difference difference);
 
-/// The difference of a name.
+/// The difference of a name, if it can be allowed.
 std::optional<Difference> findDifference(std::string_view name);
 
 /// How often each difference was found, and where.

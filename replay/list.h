@@ -9,6 +9,10 @@
 
 namespace tapforge_replay {
 
+/// A line of a list, of each value `mostDigits` digits. KSVF does not keep the TDO of a
+/// scan that compares no bit, so it is not shown; the operation loses it here.
+std::string listed(Operation& operation, std::size_t mostDigits);
+
 /// Writes a line for each operation, cut after `width` characters.
 void listOperations(Reader& reader, std::size_t width, Output& output);
 

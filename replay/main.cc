@@ -6,6 +6,8 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <functional>
+#include <map>
 #include <new>
 #include <optional>
 #include <set>
@@ -16,6 +18,7 @@
 #include "replay/compare.h"
 #include "replay/fault.h"
 #include "replay/list.h"
+#include "replay/summary.h"
 #include "replay/system.h"
 #include "replay/text_reader.h"
 #include "replay/vcd.h"
@@ -34,19 +37,24 @@ tapforge-replay [option ...] FILE            list the operations, one a line
 tapforge-replay [option ...] SOURCE CONVERTED
                                              say how the second differs from the first
 
+A FILE of - is standard input.
+
 -scan N           only scan N: where it stands, and the text of its statement
+-summary          how many scans, clocks and waits, and how long they take
+-vcd PINS         write the pins to PINS for a waveform viewer, and list when scans begin
+-w                let -vcd replace a file
 -width N          cut the lines of a list after N characters
--vcd PINS         write the pins to PINS for a waveform viewer, and no list
 -strict           any difference gives status 1
 -allow CLASS,...  these differences do not give status 1
--tck_freq N       Hz at which the board clocks (default: the source's FREQUENCY)
+-tck_freq N       Hz by which times became clocks, and at which a board runs
 -v2               KSVF waits after data scans only, as players of version 2 do
 -h, --help        this text
 --version         the version
+--                what follows is no option
 
 Status: 0 the same for the devices, and no wait is shorter; 1 it is not; 2 a file
-cannot be read or played. Classes of difference, those with * give status 1, and
-those with ! in spite of -allow:
+cannot be read or played. Classes of difference: those with * give status 1 unless they
+are allowed, those with ! always.
 )";
 
 struct Options {
@@ -54,6 +62,8 @@ struct Options {
   std::uint64_t scan = 0;
   std::size_t width = std::string::npos;
   std::string vcd;
+  bool overwrite = false;
+  bool summary = false;
   bool strict = false;
   std::set<Difference> allowed;
   double tckHertz = 0;
@@ -76,8 +86,9 @@ void allow(std::string_view names, Options& options) {
   while (!names.empty()) {
     const std::string_view name = names.substr(0, names.find(','));
     const auto difference = findDifference(name);
-    if (!difference) throw Fault("-allow does not know \"" + std::string(name) + "\"; see --help");
-    if (ruleOf(*difference).fatal) throw Fault("\"" + std::string(name) + "\" cannot be allowed");
+    if (!difference) {
+      throw Fault("-allow cannot take the class \"" + std::string(name) + "\"; see --help");
+    }
     options.allowed.insert(*difference);
     names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
@@ -85,45 +96,48 @@ void allow(std::string_view names, Options& options) {
 
 Options parse(const std::vector<std::string>& arguments) {
   Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    std::string_view name = arguments[i];
-    if (!name.starts_with('-') || name == "-") {
+  std::size_t i = 0;
+  std::string_view name;
+  const auto value = [&]() -> const std::string& {
+    if (++i == arguments.size()) throw Fault("-" + std::string(name) + " needs a value");
+    return arguments[i];
+  };
+  const auto number = [&] { return numberOf(name, value()); };
+  const std::map<std::string_view, std::function<void()>> known = {
+      {"allow", [&] { allow(value(), options); }},
+      {"h", [&] { options.help = true; }},
+      {"help", [&] { options.help = true; }},
+      {"scan", [&] { options.scan = number(); }},
+      {"strict", [&] { options.strict = true; }},
+      {"summary", [&] { options.summary = true; }},
+      {"tck_freq", [&] { options.tckHertz = static_cast<double>(number()); }},
+      {"v2", [&] { options.dataWaits = true; }},
+      {"vcd", [&] { options.vcd = value(); }},
+      {"version", [&] { options.version = true; }},
+      {"w", [&] { options.overwrite = true; }},
+      {"width", [&] { options.width = static_cast<std::size_t>(number()); }},
+  };
+  for (bool ended = false; i < arguments.size(); ++i) {
+    name = arguments[i];
+    if (ended || !name.starts_with('-') || name == "-") {
       options.files.push_back(arguments[i]);
-      continue;
-    }
-    name.remove_prefix(name.starts_with("--") ? 2 : 1);
-    const auto value = [&]() -> const std::string& {
-      if (++i == arguments.size()) throw Fault("-" + std::string(name) + " needs a value");
-      return arguments[i];
-    };
-    if (name == "scan") {
-      options.scan = numberOf(name, value());
-    } else if (name == "width") {
-      options.width = static_cast<std::size_t>(numberOf(name, value()));
-    } else if (name == "vcd") {
-      options.vcd = value();
-    } else if (name == "strict") {
-      options.strict = true;
-    } else if (name == "allow") {
-      allow(value(), options);
-    } else if (name == "tck_freq") {
-      options.tckHertz = static_cast<double>(numberOf(name, value()));
-    } else if (name == "v2") {
-      options.dataWaits = true;
-    } else if (name == "h" || name == "help") {
-      options.help = true;
-    } else if (name == "version") {
-      options.version = true;
+    } else if (name == "--") {
+      ended = true;
     } else {
-      throw Fault("unknown option \"" + arguments[i] + "\"; see --help");
+      name.remove_prefix(name.starts_with("--") ? 2 : 1);
+      const auto found = known.find(name);
+      if (found == known.end()) throw Fault("unknown option \"" + arguments[i] + "\"; see --help");
+      found->second();
     }
   }
   if (options.help || options.version) return options;
   if (options.files.empty() || options.files.size() > 2) {
     throw Fault("one file to show or two to compare are needed; see --help");
   }
-  const bool shows = options.scan > 0 || !options.vcd.empty();
-  if (options.files.size() == 2 && shows) throw Fault("-scan and -vcd want one file");
+  const int verbs = (options.scan > 0 ? 1 : 0) + (options.vcd.empty() ? 0 : 1) + options.summary;
+  if (verbs > (options.files.size() == 1 ? 1 : 0)) {
+    throw Fault("-scan, -summary and -vcd want one file, each for itself");
+  }
   return options;
 }
 
@@ -131,7 +145,10 @@ std::string helpText() {
   std::string text(kHelp);
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
     const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless ? "    " : rule.fatal ? "  ! " : "  * ").append(rule.name);
+    text.append(rule.harmless               ? "    "
+                : findDifference(rule.name) ? "  * "
+                                            : "  ! ")
+        .append(rule.name);
     text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
   }
   return text;
@@ -156,13 +173,10 @@ class Progress {
     if (now - last_ < std::chrono::milliseconds(500)) return;
     last_ = now;
     shown_ = true;
-    const std::uint64_t percent = input.size() > 0 ? input.offset() * 100 / input.size() : 0;
-    std::fprintf(stderr, "\r\033[K%s: %llu MB", input.path().c_str(),
-                 static_cast<unsigned long long>(input.offset() / 1000000));
-    if (input.size() > 0) {
-      std::fprintf(stderr, ", %llu %%", static_cast<unsigned long long>(percent));
-    }
-    std::fflush(stderr);
+    const std::uint64_t done = input.offset();
+    std::string text = "\r\033[K" + input.path() + ": " + std::to_string(done / 1000000) + " MB";
+    if (input.size() > 0) text += ", " + std::to_string(done * 100 / input.size()) + " %";
+    std::fputs(text.c_str(), stderr);
   }
 
   Clock::time_point last_ = Clock::now();
@@ -175,9 +189,17 @@ int show(const Options& options, Output& output) {
   const auto reader = makeReader(input, options.dataWaits);
   if (options.scan > 0) {
     showScan(*reader, options.scan, input, output);
+  } else if (options.summary) {
+    writeSummary(*reader, options.tckHertz, output);
   } else if (!options.vcd.empty()) {
+    if (isSameFile(options.files[0], options.vcd)) {
+      throw Fault(options.vcd + ": the file that is read cannot take the pins");
+    }
+    if (!options.overwrite && isRegularFile(options.vcd)) {
+      throw Fault(options.vcd + ": exists; with -w it is replaced");
+    }
     Output pins(options.vcd);
-    writeVcd(*reader, pins);
+    writeVcd(*reader, options.tckHertz, pins, output);
     pins.close();
   } else {
     listOperations(*reader, options.width, output);
@@ -189,6 +211,9 @@ int show(const Options& options, Output& output) {
 }
 
 int compare(const Options& options, Output& output) {
+  if (options.files[0] == "-" && options.files[1] == "-") {
+    throw Fault("standard input can be read only once");
+  }
   Input source(options.files[0]);
   Input converted(options.files[1]);
   const auto from = makeReader(source, options.dataWaits);
@@ -220,14 +245,18 @@ int run(const std::vector<std::string>& arguments) {
   const Options options = parse(arguments);
   Output output;
   int status = kSame;
-  if (options.help) {
-    output << helpText();
-  } else if (options.version) {
-    output << "tapforge-replay " TAPFORGE_VERSION "\n";
-  } else {
-    status = options.files.size() == 1 ? show(options, output) : compare(options, output);
+  try {
+    if (options.help) {
+      output << helpText();
+    } else if (options.version) {
+      output << "tapforge-replay " TAPFORGE_VERSION "\n";
+    } else {
+      status = options.files.size() == 1 ? show(options, output) : compare(options, output);
+    }
+    output.close();
+  } catch (const ClosedPipe&) {  // who reads a list need not read all of it
+    if (options.files.size() == 2 || !options.vcd.empty()) throw;
   }
-  output.close();
   return status;
 }
 

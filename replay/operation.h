@@ -82,6 +82,9 @@ class Reader {
   /// Whether a player of the file resets the TAP before anything else.
   virtual bool beginsWithReset() const { return false; }
 
+  /// Bits of the longest vector that a player of KSVF has to hold; 0 in other forms.
+  virtual std::size_t longestVector() const { return 0; }
+
   /// What is odd about the file, a sentence each.
   const std::vector<std::string>& notes() const { return notes_; }
 

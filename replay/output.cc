@@ -9,11 +9,11 @@
 namespace tapforge_replay {
 
 // Other characters could be commands to a terminal.
-std::string printable(std::string_view text) {
+std::string printable(std::string_view text, std::string_view kept) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string shown;
   for (const char c : text) {
-    if (c >= ' ' && c <= '~') {
+    if ((c >= ' ' && c <= '~') || kept.find(c) != kept.npos) {
       shown += c;
     } else {
       shown.append({'\\', 'x', kDigits[c >> 4 & 15], kDigits[c & 15]});

@@ -9,8 +9,8 @@
 
 namespace tapforge_replay {
 
-/// Text with each character that is not printable ASCII as "\x1b".
-std::string printable(std::string_view text);
+/// Text with each character as "\x1b" that is no printable ASCII and not in `kept`.
+std::string printable(std::string_view text, std::string_view kept = {});
 
 /// What writing to standard output throws when nobody reads it any more.
 struct ClosedPipe : Fault {

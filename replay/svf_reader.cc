@@ -1,5 +1,3 @@
-#include <optional>
-#include <utility>
 
 #include "replay/fault.h"
 #include "replay/text_reader.h"
@@ -29,10 +27,9 @@ class SvfReader final : public TextReader {
   }
 
  private:
-  bool skipComment() override {
+  void skipComment() override {
     if (input_.get() == '/' && input_.peek() != '/') fail("a \"/\" on its own");
     skipLine();
-    return true;
   }
 
   // Returns false for a statement that is no operation.
@@ -43,11 +40,7 @@ class SvfReader final : public TextReader {
     if (keyword == "runtest") return runTest(operation);
     if (keyword == "state") return path(operation);
     if (keyword == "endir" || keyword == "enddr") {
-      const TapState end = stableState(needWord());
-      operation.kind = Kind::kEndState;
-      operation.instruction = keyword == "endir";
-      operation.word = nameOf(end);
-      tap_.setEnd(operation.instruction, end);
+      finishEndState(keyword == "endir", stableState(needWord()), operation);
       expect(";");
       return true;
     }
@@ -83,24 +76,21 @@ class SvfReader final : public TextReader {
                                                     : which == 'h' ? ScanJoiner::kHeader
                                                                    : ScanJoiner::kTrailer);
     pattern.begin(length(needWord()));
-    values(pattern);
-    requireTdi(pattern);
+    values(pattern, operation.place);
+    requireTdi(pattern, operation.place);
     if (which != 's' || pattern.length == 0) return false;
-    operation.kind = Kind::kScan;
-    operation.number = ++scans_;
-    joiner_.join(instruction, operation);
-    tap_.scan(operation);
+    finishScan(instruction, operation);
     return true;
   }
 
-  void requireTdi(const Pattern& pattern) const {
+  void requireTdi(const Pattern& pattern, const Place& place) const {
     if (pattern.length == 0 || pattern[Pattern::kTdi].given) return;
-    throw NotPlayable(input_.path(), "line " + std::to_string(line_) +
+    throw NotPlayable(input_.path(), describe(place) +
                                          ": TDI is missing; an unmerged copy (tapforge -c) has it "
                                          "in comments, which no player reads");
   }
 
-  void values(Pattern& pattern) {
+  void values(Pattern& pattern, const Place& place) {
     while (true) {
       const std::string name(word());
       if (name == ";") return;
@@ -110,7 +100,7 @@ class SvfReader final : public TextReader {
                          : name == "smask" ? Pattern::kSmask
                                            : Pattern::kNameCount;
       if (value == Pattern::kNameCount) {
-        requireTdi(pattern);
+        requireTdi(pattern, place);
         fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
       }
       expect("(");
@@ -154,18 +144,12 @@ class SvfReader final : public TextReader {
   }
 
   bool path(Operation& operation) {
-    operation.kind = Kind::kMove;
-    operation.before.clear();
-    operation.after.clear();
-    std::string name(needWord());
-    std::string following(needWord());
-    if (following == ";") {
-      tap_.moveTo(stableState(name), operation);
-      return true;
-    }
-    step(state(name), true, operation);
-    for (; following != ";"; following = needWord()) step(state(following), false, operation);
-    if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
+    std::vector<TapState> states;
+    std::string_view name = needWord();
+    do {
+      states.push_back(state(name));
+    } while ((name = needWord()) != ";");
+    finishMove(states, operation);
     return true;
   }
 };

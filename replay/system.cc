@@ -19,11 +19,8 @@ namespace {
 
 // On Windows this makes UTF-16 of UTF-8.
 std::filesystem::path pathOf(const std::string& name) {
+  if (name == "-") return "/dev/stdin";
   return std::u8string(name.begin(), name.end());
-}
-
-std::filesystem::path pathOfInput(const std::string& name) {
-  return pathOf(name == "-" ? "/dev/stdin" : name);
 }
 
 }  // namespace
@@ -76,7 +73,7 @@ std::FILE* openFile(const std::string& name, const char* mode) {
 
 std::uint64_t fileSize(const std::string& name) {
   std::error_code unknown;
-  const std::uintmax_t size = std::filesystem::file_size(pathOfInput(name), unknown);
+  const std::uintmax_t size = std::filesystem::file_size(pathOf(name), unknown);
   return unknown ? 0 : size;
 }
 
@@ -87,7 +84,7 @@ bool isRegularFile(const std::string& name) {
 
 bool isSameFile(const std::string& one, const std::string& other) {
   std::error_code unknown;
-  return std::filesystem::equivalent(pathOfInput(one), pathOfInput(other), unknown);
+  return std::filesystem::equivalent(pathOf(one), pathOf(other), unknown);
 }
 
 }  // namespace tapforge_replay

@@ -23,13 +23,14 @@ bool isTerminal(std::FILE* stream);
 /// As fopen(): null if it fails, with errno. The caller closes it.
 std::FILE* openFile(const std::string& name, const char* mode);
 
-/// Bytes of a regular file, 0 where they are not known. Here "-" is standard input.
+/// In what follows "-" is standard input, and names may lead through links.
+
+/// Bytes of a regular file, 0 where they are not known.
 std::uint64_t fileSize(const std::string& name);
 
-/// Whether there is a regular file of this name, also through links.
 bool isRegularFile(const std::string& name);
 
-/// Whether both names lead to one file. Here "-" is standard input.
+/// Whether both names lead to one file.
 bool isSameFile(const std::string& one, const std::string& other);
 
 }  // namespace tapforge_replay

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <string_view>
 
@@ -13,8 +14,6 @@ using Kind = Operation::Kind;
 
 constexpr char kEndOfScript = '\x1A';     // for the command "source"
 constexpr std::size_t kMostWord = 10000;  // characters of a word that is no value
-constexpr std::string_view kLineMarker = "--- line ";
-constexpr std::string_view kMergedRemark = "!==*";
 
 bool isBlank(int c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 bool isLineEnd(int c) { return c == '\n' || c == '\r'; }
@@ -41,14 +40,13 @@ class TclReader final : public TextReader {
   }
 
  private:
-  bool skipComment() override { return true; }
-
   [[noreturn]] void fail(const std::string& text) const override {
     throw NotPlayable(input_.path(), "line " + std::to_string(line_) + ": " + printable(text));
   }
   [[noreturn]] void refuse(std::string_view word) const {
-    if (word.find(kMergedRemark) != word.npos) failAsMerged();
-    fail("no argument of " + command_ + ": \"" + std::string(word) + "\"");
+    if (word.find("!==*") != word.npos) failAsMerged();
+    const std::string what = word == command_ ? "no tapbus command" : "no argument of " + command_;
+    fail(what + ": \"" + std::string(word) + '"');
   }
   [[noreturn]] void failAsMerged() const {
     fail("a merged script (tapforge -tapbus without -c), which no Tcl shell runs");
@@ -135,14 +133,17 @@ class TclReader final : public TextReader {
     return ends;
   }
 
-  std::string_view digits(std::string_view text) const {
+  // States are known in capitals and in small letters, commands are not.
+  TapState stateOf(std::string_view name) const {
+    std::string small(name);
+    return state(toLowerCase(small));
+  }
+  TapState needStableState() { return requireStable(stateOf(needArgument())); }
+
+  std::string_view needDigits() {
+    const std::string_view text = needArgument();
     if (text.find_first_not_of("0123456789") != text.npos) refuse(text);
     return text;
-  }
-  // States are known in capitals and in small letters.
-  TapState needStableState() {
-    needArgument();
-    return stableState(toLowerCase(argument_));
   }
 
   // Returns false for a command that is no operation.
@@ -160,13 +161,13 @@ class TclReader final : public TextReader {
     } else if (command_ == "set_property") {
       isOperation = property(operation);
     } else if (command_ == "puts") {
-      const std::string_view text = needArgument();
-      if (!text.starts_with(kLineMarker)) refuse(text);
-      number(digits(text.substr(kLineMarker.size())));
       isOperation = false;
+      const std::string_view text = needArgument();
+      constexpr std::string_view kMarker = "--- line ";
+      const std::size_t digits = text.starts_with(kMarker) ? kMarker.size() : 0;
+      if (text.find_first_not_of("0123456789", digits) != text.npos) refuse(text);
     } else {
-      if (command_.starts_with(kMergedRemark)) failAsMerged();
-      fail("no tapbus command: \"" + command_ + "\"");
+      refuse(command_);
     }
     if (const std::string_view more = argument(); !more.empty()) refuse(more);
     return isOperation;
@@ -175,28 +176,25 @@ class TclReader final : public TextReader {
   void scan(bool instruction, Operation& operation) {
     Pattern& pattern = joiner_.pattern(instruction, ScanJoiner::kData);
     pattern.begin(0);  // each scan says all
-    pattern.begin(length(digits(needArgument())));
+    pattern.begin(length(needDigits()));
     if (pattern.length == 0) fail("a scan of 0 bits");
     for (std::string_view option; !(option = argument()).empty();) {
-      const auto name = option == "-tdi"    ? Pattern::kTdi
-                        : option == "-tdo"  ? Pattern::kTdo
-                        : option == "-mask" ? Pattern::kMask
-                                            : Pattern::kNameCount;
-      if (name == Pattern::kNameCount || pattern[name].given) refuse(option);
-      value(pattern[name], pattern.length);
+      value(pattern, option, {"-tdi", "-tdo", "-mask"});
     }
     if (!pattern[Pattern::kTdi].given) failAsMerged();
-    operation.kind = Kind::kScan;
-    operation.number = ++scans_;
-    joiner_.join(instruction, operation);
-    tap_.scan(operation);
+    finishScan(instruction, operation);
   }
 
-  // The digits may be many, so they are read where they stand.
-  void value(Pattern::Value& value, std::size_t length) {
+  // Reads the value that the word `name` announces. Its digits may be many, so they are
+  // read where they stand.
+  void value(Pattern& pattern, std::string_view name,
+             const std::array<std::string_view, Pattern::kSmask>& names) {
+    const auto found = std::find(names.begin(), names.end(), name);
+    if (found == names.end()) refuse(name);
+    Pattern::Value& value = pattern.values[static_cast<std::size_t>(found - names.begin())];
     const int closing = openWord();
     if (std::isxdigit(input_.peek()) == 0) fail("a value without digits");
-    readHex(value.bits, length, '\0');
+    readHex(value.bits, pattern.length, '\0');
     if (!closeWord(closing)) fail("a character in a value that is no digit");
     value.given = true;
   }
@@ -212,7 +210,7 @@ class TclReader final : public TextReader {
     }
     if (option != "-tck") refuse(option);
     for (; option == "-tck"; option = argument()) {
-      operation.wait.clocks += number(digits(needArgument()));
+      operation.wait.clocks += number(needDigits());
     }
     if (option == "-end_state") {
       tap_.setRunEnd(needStableState());
@@ -223,55 +221,36 @@ class TclReader final : public TextReader {
   }
 
   void path(Operation& operation) {
-    operation.kind = Kind::kMove;
-    needArgument();
-    const TapState first = state(toLowerCase(argument_));
-    std::string_view more = argument();
-    if (more.empty() && isStable(first)) {
-      tap_.moveTo(first, operation);
-    } else {
-      step(first, true, operation);
-    }
-    for (; !more.empty(); more = argument()) step(state(toLowerCase(argument_)), false, operation);
-    if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
+    std::vector<TapState> states;
+    std::string_view name = needArgument();
+    do {
+      states.push_back(stateOf(name));
+    } while (!(name = argument()).empty());
+    finishMove(states, operation);
   }
 
   bool property(Operation& operation) {
     const std::string name(needArgument());
-    const bool instruction = name.ends_with("_IR") || name[1] == 'i';
     const bool isEnd = name == "ENDSTATE_IR" || name == "ENDSTATE_DR";
+    const std::size_t piece = std::string_view("hir tir hdr tdr").find(name.substr(0, 3));
+    const std::string_view what =
+        std::string_view(name).substr(std::min<std::size_t>(3, name.size()));
     if (isEnd) {
-      const TapState end = needStableState();
-      operation.kind = Kind::kEndState;
-      operation.instruction = instruction;
-      operation.word = nameOf(end);
-      tap_.setEnd(instruction, end);
-    } else if (name.starts_with("hir_") || name.starts_with("hdr_")) {
-      pieceProperty(joiner_.pattern(instruction, ScanJoiner::kHeader), name);
-    } else if (name.starts_with("tir_") || name.starts_with("tdr_")) {
-      pieceProperty(joiner_.pattern(instruction, ScanJoiner::kTrailer), name);
+      finishEndState(name == "ENDSTATE_IR", needStableState(), operation);
+    } else if (piece % 4 == 0) {
+      Pattern& pattern =
+          joiner_.pattern(piece <= 4, name[0] == 'h' ? ScanJoiner::kHeader : ScanJoiner::kTrailer);
+      if (what == "_length") {
+        pattern.begin(0);
+        pattern.begin(length(needDigits()));
+      } else {
+        value(pattern, what, {"_TDI", "_TDO", "_TDO_mask"});
+      }
     } else {
       refuse(name);
     }
     if (const std::string_view object = needArgument(); object != "$current_tapbus") refuse(object);
     return isEnd;
-  }
-
-  // Of a header or trailer.
-  void pieceProperty(Pattern& pattern, const std::string& name) {
-    const std::string_view what = std::string_view(name).substr(4);
-    if (what == "length") {
-      pattern.begin(0);
-      pattern.begin(length(digits(needArgument())));
-    } else if (what == "TDI") {
-      value(pattern[Pattern::kTdi], pattern.length);
-    } else if (what == "TDO") {
-      value(pattern[Pattern::kTdo], pattern.length);
-    } else if (what == "TDO_mask") {
-      value(pattern[Pattern::kMask], pattern.length);
-    } else {
-      refuse(name);
-    }
   }
 
   std::string command_;

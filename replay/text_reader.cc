@@ -154,7 +154,9 @@ int TextReader::skipBlanks() {
     if (kind == kBlank) {
       input_.skip(1);
       countLine(character);
-    } else if (kind != kComment || !skipComment()) {
+    } else if (kind == kComment) {
+      skipComment();
+    } else {
       return character;
     }
   }
@@ -262,20 +264,39 @@ TapState TextReader::state(std::string_view text) const {
   return *found;
 }
 
-TapState TextReader::stableState(std::string_view text) const {
-  const TapState found = state(text);
-  if (!isStable(found)) fail("the TAP cannot stay in " + std::string(nameOf(found)));
-  return found;
+TapState TextReader::requireStable(TapState state) const {
+  if (!isStable(state)) fail("the TAP cannot stay in " + std::string(nameOf(state)));
+  return state;
 }
 
-void TextReader::step(TapState target, bool first, Operation& move) {
-  const TapState from = tap_.state();
-  if (tap_.step(target, move)) return;
-  if (!first || !isStable(target)) {
-    fail("no way of one TCK leads from " + std::string(nameOf(from)) + " to " +
-         std::string(nameOf(target)));
+void TextReader::finishScan(bool instruction, Operation& scan) {
+  scan.kind = Operation::Kind::kScan;
+  scan.number = ++scans_;
+  joiner_.join(instruction, scan);
+  tap_.scan(scan);
+}
+
+void TextReader::finishEndState(bool instruction, TapState state, Operation& operation) {
+  operation.kind = Operation::Kind::kEndState;
+  operation.instruction = instruction;
+  operation.word = nameOf(state);
+  tap_.setEnd(instruction, state);
+}
+
+void TextReader::finishMove(const std::vector<TapState>& path, Operation& move) {
+  move.kind = Operation::Kind::kMove;
+  move.before.clear();
+  move.after.clear();
+  requireStable(path.back());
+  for (const TapState& target : path) {
+    const TapState from = tap_.state();
+    if (path.size() > 1 && tap_.step(target, move)) continue;
+    if (&target != &path.front() || !isStable(target)) {
+      fail("no way of one TCK leads from " + std::string(nameOf(from)) + " to " +
+           std::string(nameOf(target)));
+    }
+    tap_.moveTo(target, move);
   }
-  tap_.moveTo(target, move);
 }
 
 std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {

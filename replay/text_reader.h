@@ -88,8 +88,8 @@ class TextReader : public Reader {
   TextReader(Input& input, std::string_view commentStarts);
 
   /// Skips the comment that such a character, not read yet, begins, up to its
-  /// line end. Returns false when the comment holds something to be read.
-  virtual bool skipComment() = 0;
+  /// line end.
+  virtual void skipComment() {}
 
   /// Past blanks, line ends and comments. Returns the next character or -1.
   int skipBlanks();
@@ -111,10 +111,15 @@ class TextReader : public Reader {
   double number(std::string_view text) const;
   std::size_t length(std::string_view text) const;
   TapState state(std::string_view text) const;
-  TapState stableState(std::string_view text) const;
+  TapState requireStable(TapState state) const;
+  TapState stableState(std::string_view text) const { return requireStable(state(text)); }
 
-  /// A step of a path. The first one may lead to any stable state.
-  void step(TapState target, bool first, Operation& move);
+  /// Complete an operation: a scan of the present patterns, the state in which scans
+  /// end from now on, and a move. A path of several states is taken step by step, but
+  /// its first one may be any stable state.
+  void finishScan(bool instruction, Operation& scan);
+  void finishEndState(bool instruction, TapState state, Operation& operation);
+  void finishMove(const std::vector<TapState>& path, Operation& move);
 
   /// Ends the reading with a Fault that names the present line.
   [[noreturn]] virtual void fail(const std::string& text) const;
