@@ -81,9 +81,7 @@ void ScanJoiner::join(bool instruction, Operation& scan) {
 }
 
 void TapFollower::go(TapState target, std::vector<TapState>& entered) {
-  const auto way = wayBetween(state_, target);
-  entered.insert(entered.end(), way.begin(), way.end());
-  state_ = target;
+  while (state_ != target) entered.push_back(state_ = stateTowards(state_, target));
 }
 
 void TapFollower::scan(Operation& scan) {
