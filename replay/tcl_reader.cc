@@ -24,7 +24,7 @@ bool endsCommand(int c) { return c < 0 || c == ';' || isLineEnd(c); }
 // where a command would get an argument that it does not have.
 class TclReader final : public TextReader {
  public:
-  explicit TclReader(Input& input) : TextReader(input, "") {}
+  using TextReader::TextReader;
 
   std::string_view form() const override { return "Tcl"; }
 
@@ -193,10 +193,9 @@ class TclReader final : public TextReader {
     if (found == names.end()) refuse(name);
     Pattern::Value& value = pattern.values[static_cast<std::size_t>(found - names.begin())];
     const int closing = openWord();
-    if (std::isxdigit(input_.peek()) == 0) fail("a value without digits");
-    readHex(value.bits, pattern.length, '\0');
+    readDigits();
+    finishValue(value, pattern.length);
     if (!closeWord(closing)) fail("a character in a value that is no digit");
-    value.given = true;
   }
 
   void wait(Operation& operation) {
