@@ -76,7 +76,7 @@ void Comparison::compareGap() {
       compareStates();
     }
   }
-  compareRates();
+  if (!isRateCompared_) compareRates();
   waits_.endPlace();
   waits_.endGap();
   const bool isScan = source_.kind == Step::kScan && converted_.kind == Step::kScan;
@@ -89,7 +89,7 @@ void Comparison::compareGap() {
 
 void Comparison::takeWait(Side& side) {
   const bool isConverted = &side == &converted_;
-  if (!isConverted) compareRates();
+  if (!isConverted && !isRateCompared_) compareRates();
   // Without its FREQUENCY a wait for clocks is as short as the clock is fast.
   const bool isTck = side.wait.clocks > 0 && !side.wait.systemClock;
   if (!isConverted && isTck && converted_.frequency == kNowhere) waits_.limitTo(side.hertz);
@@ -98,7 +98,7 @@ void Comparison::takeWait(Side& side) {
 }
 
 void Comparison::compareStates() {
-  compareRates();
+  if (!isRateCompared_) compareRates();
   const bool isState = source_.kind == converted_.kind;
   if (isState && source_.state == converted_.state) {
     waits_.endPlace();
@@ -147,7 +147,6 @@ void Comparison::passSetting(Side& side) {
 }
 
 void Comparison::compareRates() {
-  if (isRateCompared_) return;
   isRateCompared_ = true;
   const bool isSaid = converted_.frequency != kNowhere;
   const double fastest = isSaid ? converted_.hertz : tckHertz_;

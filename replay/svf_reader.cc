@@ -9,7 +9,7 @@ namespace {
 
 using Kind = Operation::Kind;
 
-enum CharKind : std::uint8_t { kPlain, kBlank, kMark, kComment };
+enum CharKind : std::uint8_t { kPlain, kMark, kBlank, kComment };
 
 constexpr std::array<CharKind, 256> kKinds = [] {
   std::array<CharKind, 256> kinds{};
@@ -49,30 +49,34 @@ class SvfReader final : public TextReader {
   int skipBlanks() {
     while (true) {
       const int character = input_.peek();
-      if (character < 0 || kindOf(character) == kPlain || kindOf(character) == kMark) {
-        return character;
-      }
+      if (character < 0) return character;
+      const CharKind kind = kindOf(character);
+      if (kind < kBlank) return character;
       input_.skip(1);
-      if (kindOf(character) == kBlank) {
+      if (kind == kBlank) {
         countLine(character);
-        continue;
+      } else {
+        skipComment(character);
       }
-      if (character == '/' && input_.peek() != '/') fail("a \"/\" on its own");
-      for (std::string_view ahead; !(ahead = input_.window()).empty();) {
-        const std::size_t end = ahead.find_first_of("\r\n");
-        input_.skip(std::min(end, ahead.size()));
-        if (end != ahead.npos) break;
-      }
+    }
+  }
+
+  void skipComment(int start) {
+    if (start == '/' && input_.peek() != '/') fail("a \"/\" on its own");
+    for (std::string_view ahead; !(ahead = input_.window()).empty();) {
+      const std::size_t end = ahead.find_first_of("\r\n");
+      input_.skip(std::min(end, ahead.size()));
+      if (end != ahead.npos) return;
     }
   }
 
   // The next word in lower case: up to a blank, a comment or one of ();, which are words
   // of their own. Empty at the end of the file. It holds until the next word is read.
-  std::string_view word() {
-    const int first = skipBlanks();
+  const std::string& word() {
     word_.clear();
+    const int first = skipBlanks();
     if (first < 0) return word_;
-    if (kindOf(first) == kMark) return word_ = static_cast<char>(input_.get());
+    if (kindOf(first) == kMark) return word_ += static_cast<char>(input_.get());
     while (true) {
       const std::string_view ahead = input_.window();
       std::size_t count = 0;
@@ -83,7 +87,7 @@ class SvfReader final : public TextReader {
       if (count < ahead.size() || ahead.empty()) return toLowerCase(word_);
     }
   }
-  std::string_view needWord() {
+  const std::string& needWord() {
     if (word().empty()) fail("the file ends inside a statement");
     return word_;
   }

@@ -9,7 +9,6 @@
 namespace tapforge_replay {
 namespace {
 
-constexpr unsigned kDigitsOfWord = 16;
 constexpr std::size_t kMostBits = std::size_t{1} << (sizeof(std::size_t) > 4 ? 40 : 31);
 constexpr double kMostNumber = 0x1p53;  // below it each whole number is exact
 
@@ -121,42 +120,43 @@ void TextReader::fail(const std::string& text) const {
   throw Fault(input_.path() + ": line " + std::to_string(line_) + ": " + printable(text));
 }
 
-void TextReader::countLine(int character) {
-  if (character == '\n' || (character == '\r' && input_.peek() != '\n')) ++line_;
-}
-
 bool TextReader::readDigits() {
-  bool isAny = false;
+  std::uint64_t rest = rest_;  // in a register
+  unsigned room = room_;
+  std::size_t all = 0;
   while (true) {
     const std::string_view ahead = input_.window();
-    std::size_t i = 0;
-    for (; i < ahead.size(); ++i) {
-      const std::uint8_t digit = kDigits[static_cast<unsigned char>(ahead[i])];
+    const char* at = ahead.begin();
+    for (; at != ahead.end(); ++at) {
+      const std::uint8_t digit = kDigits[static_cast<unsigned char>(*at)];
       if (digit == kNoDigit) break;
-      rest_ = rest_ << 4 | digit;
-      if (++restCount_ == kDigitsOfWord) {
-        digits_.push_back(rest_);
-        restCount_ = 0;
-      }
+      rest = rest << 4 | digit;
+      if (--room != 0) continue;
+      digits_.push_back(rest);
+      room = kDigitsOfWord;
     }
-    isAny = isAny || i > 0;
-    input_.skip(i);
-    if (i < ahead.size() || ahead.empty()) return isAny;
+    const auto found = static_cast<std::size_t>(at - ahead.begin());
+    input_.skip(found);
+    all += found;
+    if (at != ahead.end() || ahead.empty()) break;
   }
+  rest_ = rest;
+  room_ = room;
+  return all > 0;
 }
 
 void TextReader::finishValue(Pattern::Value& value, std::size_t length) {
-  if (digits_.empty() && restCount_ == 0) fail("a value without digits");
-  const unsigned lastCount = restCount_ == 0 ? kDigitsOfWord : restCount_;
-  if (restCount_ > 0) digits_.push_back(rest_ & ((std::uint64_t{1} << restCount_ * 4) - 1));
+  const unsigned count = kDigitsOfWord - room_;  // in the last word, if not all
+  if (digits_.empty() && count == 0) fail("a value without digits");
+  if (count > 0) digits_.push_back(rest_ & ((std::uint64_t{1} << count * 4) - 1));
   if (digits_.size() > (kMostBits >> 6)) fail("a value that is too long");
-  if (!value.bits.assignDigits(digits_, lastCount, length)) {
+  if (!value.bits.assignDigits(digits_, count > 0 ? count : kDigitsOfWord, length)) {
     note("line " + std::to_string(line_) +
          ": a value has bits above its length, which are ignored");
   }
   value.given = true;
   digits_.clear();
-  restCount_ = 0;
+  room_ = kDigitsOfWord;
 }
 
 template <typename Number>

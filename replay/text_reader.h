@@ -87,7 +87,9 @@ class TextReader : public Reader {
   explicit TextReader(Input& input) : input_{input} {}
 
  protected:
-  void countLine(int character);
+  void countLine(int character) {
+    if (character == '\n' || (character == '\r' && input_.peek() != '\n')) ++line_;
+  }
 
   /// Reads the hex digits from here on, which may go on behind what divides them.
   /// Returns whether there are any.
@@ -121,9 +123,10 @@ class TextReader : public Reader {
   Number parse(std::string_view text, Number most, const char* what) const;
 
   std::uint64_t scans_ = 0;
-  std::vector<std::uint64_t> digits_;  // of a value, sixteen in a word,
-  std::uint64_t rest_ = 0;             // and those that do not fill one yet
-  unsigned restCount_ = 0;
+  static constexpr unsigned kDigitsOfWord = 16;
+  std::vector<std::uint64_t> digits_;  // of a value, in words,
+  std::uint64_t rest_ = 0;             // and those that do not fill one yet,
+  unsigned room_ = kDigitsOfWord;      // as so many are missing
 };
 
 /// The file as operations; its form is seen from its first characters. `dataWaits`

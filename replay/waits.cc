@@ -145,8 +145,8 @@ void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
   }
 }
 
-void WaitComparison::endPlace() {
-  if (std::exchange(isEmpty_, true)) return;
+void WaitComparison::closePlace() {
+  isEmpty_ = true;
   for (WaitPair& pair : pairs_) {
     if (pair.isEmpty()) continue;
     tell(pair, pair.judge(tckHertz_));

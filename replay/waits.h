@@ -79,7 +79,9 @@ class WaitComparison {
   WaitComparison(double tckHertz, Findings& findings) : tckHertz_{tckHertz}, findings_{findings} {}
 
   void add(const PlacedWait& wait, bool isConverted);
-  void endPlace();
+  void endPlace() {
+    if (!isEmpty_) closePlace();
+  }
   void endGap();  ///< at a scan, and once more at the end of the files
 
   /// The rate up to which all waits are long enough: kAnyHertz if they do not depend
@@ -96,6 +98,7 @@ class WaitComparison {
     bool isWhole() const { return waits.from.count * waits.to.count == 0; }
   };
 
+  void closePlace();
   void tell(const WaitPair& pair, const WaitPair::Judgement& judgement);
   void tell(Difference difference, double size, const WaitPair& pair);
   void tellMaximum(const WaitPair& pair, const WaitPair::Judgement& judgement);
