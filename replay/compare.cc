@@ -1,345 +1,272 @@
 #include "replay/compare.h"
 
 #include <algorithm>
-#include <bit>
+#include <cmath>
 #include <cstddef>
-#include <utility>
+#include <initializer_list>
+
+#include "replay/fault.h"
+#include "replay/scans.h"
 
 namespace tapforge_replay {
 namespace {
 
 using Kind = Operation::Kind;
+using Step = Steps::Kind;
 
-constexpr std::size_t kMostInGap = 10000;  // states, or waits
-constexpr std::size_t kMostPlaces = 100;   // of waits; then equal ones are only counted
-constexpr std::size_t kMostStates = 8;     // in a message
-
-// The part of a walk in which it differs from another one, with the states around.
-std::string partOf(const std::vector<TapState>& walk, std::size_t from, std::size_t to) {
-  std::string text;
-  for (std::size_t i = from; i < to; ++i) {
-    if (i - from == kMostStates) return text + " ...";
-    text.append(text.empty() ? "" : " ").append(nameOf(walk[i]));
-  }
-  return text;
-}
-
-// How often, and where for the first time, words of a scan have a 1.
-struct BitCount {
-  std::uint64_t count = 0;
-  std::size_t first = 0;
-
-  void add(std::uint64_t word, std::size_t index) {
-    if (word == 0) return;
-    if (count == 0)
-      first = index * Bits::kWordBits + static_cast<std::size_t>(std::countr_zero(word));
-    count += static_cast<std::uint64_t>(std::popcount(word));
-  }
-  std::string text() const {
-    return count == 1 ? "bit " + std::to_string(first)
-                      : std::to_string(count) + " bits from bit " + std::to_string(first);
-  }
-};
-
-const char* registerOf(const Operation& scan) { return scan.instruction ? "IR" : "DR"; }
+constexpr std::size_t kMostStates = 8;         // in a message
+constexpr double kHertzTolerance = 1.0000001;  // of digits that a FREQUENCY has lost
 
 }  // namespace
 
-void Comparison::Gap::begin(const Operation& operation) {
-  origins.push_back({walk.size(), operation.kind, operation.place});
+std::string Comparison::Side::hertzText() const {
+  if (!isHertzSaid) return "(none)";
+  return describe(hertzPlace) + (hertz < kAnyHertz ? " (" + numberText(hertz) + " Hz)" : "");
 }
 
-void Comparison::Gap::clear() {
-  walk.clear();
-  origins.clear();
-  waits.clear();
-  settings.clear();
-}
-
-const Comparison::Gap::Origin* Comparison::Gap::originOf(std::size_t position) const {
-  const Origin* found = nullptr;
-  for (const Origin& origin : origins) {
-    if (origin.position <= position) found = &origin;
+std::string Comparison::Side::detourText(TapState before, std::size_t tail) const {
+  std::string text = describe(detourPlace) + " (" + std::string(nameOf(before));
+  const std::size_t count = detour.size() - tail + (tail > 0 ? 1 : 0);
+  for (std::size_t i = 0; i < std::min(count, kMostStates); ++i) {
+    text.append(" ").append(nameOf(detour[i]));
   }
-  return found;
-}
-
-void Comparison::Gap::enter(const std::vector<TapState>& states) {
-  for (const TapState state : states) {
-    // Clocks that stay in a stable state do nothing; in a shift state each shifts a bit.
-    if (walk.empty() || walk.back() != state || !isStable(state)) walk.push_back(state);
-  }
-}
-
-void Comparison::Gap::wait(const Wait& wait, const Place& place) {
-  const bool again = waits.size() > kMostPlaces && waits.back().position == walk.size() &&
-                     waits.back().wait == wait;
-  if (again) {
-    ++waits.back().times;
-  } else {
-    waits.push_back({wait, walk.size(), place});
-  }
-}
-
-void Comparison::Side::readGap() {
-  while (inGap() && gap.walk.size() < kMostInGap && gap.waits.size() < kMostInGap &&
-         gap.settings.size() < kMostInGap) {
-    reader.next(operation);
-    switch (operation.kind) {
-      case Kind::kScan:
-        gap.begin(operation);
-        gap.enter(operation.before);
-        atScan = true;
-        scan = operation.place;
-        ++scans;
-        break;
-      case Kind::kWait:
-        gap.begin(operation);
-        gap.enter(operation.before);
-        gap.wait(operation.wait, operation.place);
-        gap.enter(operation.after);
-        break;
-      case Kind::kMove:
-        gap.begin(operation);
-        gap.enter(operation.before);
-        break;
-      case Kind::kFrequency:
-        gap.settings.push_back(
-            {operation.kind, numberText(operation.hertz), operation.place, operation.hertz});
-        break;
-      case Kind::kResetLine:
-        if (operation.word == "absent") break;  // there is none to be set
-        [[fallthrough]];
-      case Kind::kParallelIo:
-        gap.settings.push_back({operation.kind, operation.word, operation.place});
-        break;
-      case Kind::kEndState:  // seen in the moves after the scans
-        break;
-      case Kind::kEnd:
-        ended = true;
-        break;
-    }
-  }
-}
-
-void Comparison::Side::passScan() {
-  atScan = false;
-  gap.begin(operation);
-  gap.enter(operation.after);
+  return text + (count > kMostStates ? " ...)" : ")");
 }
 
 void Comparison::run() {
-  source_.gap.walk = converted_.gap.walk = {TapState::kReset};
-  while (!stopped_) {
-    source_.readGap();
-    for (const Setting& setting : source_.gap.settings) {
-      if (setting.kind == Kind::kFrequency) rate_.suggest(setting.hertz);
-    }
-    converted_.readGap();
-    compareGaps();
-    source_.gap.clear();
-    converted_.gap.clear();
-    if (source_.inGap() || converted_.inGap()) continue;
-    if (source_.ended && converted_.ended) break;
-    if (!compareScans()) break;
+  try {
+    source_.next();
+    converted_.next();
+    do {
+      compareGap();
+    } while (compareScans());
+    waits_.endGap();
+  } catch (const NotPlayable& fault) {
+    if (!converted_.isReading) throw;
+    isStopped_ = true;
+    findings_.add(Difference::kNotPlayable, 0,
+                  [&] { return "converted " + fault.where + "; what follows was not compared"; });
   }
-  waits_.finish();
-  if (const auto lines = converted_.reader.sharedLines(); lines.count > 0) {
-    findings_.add(
-        Difference::kSharedLines, 0, [&] { return "converted " + describe(lines.first); },
-        lines.count);
-  }
+  source_.skipToEnd();
+  if (source_.scans == 0) findings_.add(Difference::kNoScans, 0, [] { return "source"; });
 }
 
-void Comparison::compareGaps() {
-  const bool differentEnds =  // that is told of the scans
-      source_.atScan && converted_.atScan
-          ? source_.operation.instruction != converted_.operation.instruction
-          : source_.ended != converted_.ended;
-  if (!differentEnds && source_.gap.walk != converted_.gap.walk) compareWalks();
-  waits_.compare(source_.gap.waits, converted_.gap.waits);
-  if (source_.gap.settings.empty() && converted_.gap.settings.empty()) return;
-  for (const Side* side : {&source_, &converted_}) {
-    for (const Setting& setting : side->gap.settings) {
-      if (setting.kind == Kind::kResetLine && setting.value == "on") resetUsed_ = true;
+void Comparison::compareGap() {
+  isAway_ = false;
+  while (true) {
+    const bool isWait = source_.kind == Step::kWait || converted_.kind == Step::kWait;
+    takeWait(source_);
+    takeWait(converted_);
+    if (isWait) continue;
+    const bool isPassed = passState(source_);
+    if (passState(converted_) || isPassed) continue;
+    if (source_.isGapOver() && converted_.isGapOver()) break;
+    if (source_.kind == Step::kSetting || converted_.kind == Step::kSetting) {
+      compareSettings();
+    } else {
+      compareStates();
     }
   }
-  compareSettings(Kind::kResetLine,
-                  resetUsed_ ? Difference::kResetLine : Difference::kResetLineOff);
-  compareSettings(Kind::kParallelIo, Difference::kParallelIo);
-  compareSettings(Kind::kFrequency, Difference::kFrequency);
+  compareRates();
+  waits_.endPlace();
+  waits_.endGap();
+  if (isAway_) tellDetour();
 }
 
-void Comparison::compareWalks() {
-  const std::vector<TapState>& from = source_.gap.walk;
-  const std::vector<TapState>& to = converted_.gap.walk;
-  const auto heads = std::mismatch(from.begin(), from.end(), to.begin(), to.end());
-  const auto same = heads.first - from.begin();
-  const auto first = static_cast<std::size_t>(same);
-  const Gap::Origin* const source = source_.gap.originOf(first);
-  const Gap::Origin* const converted = converted_.gap.originOf(first);
-  const auto text = [&] {
-    const auto tails =
-        std::mismatch(from.rbegin(), from.rend() - same, to.rbegin(), to.rend() - same);
-    const auto tail = static_cast<std::size_t>(tails.first - from.rbegin());
-    const std::size_t before = first > 0 ? 1 : 0;  // a state that both have, for context
-    const std::size_t after = tail > 0 ? 1 : 0;
-    const auto place = [](const Gap::Origin* origin) {
-      return origin != nullptr ? describe(origin->place) : "start";
-    };
-    return "source " + place(source) + " (" +
-           partOf(from, first - before, from.size() - tail + after) + "), converted " +
-           place(converted) + " (" + partOf(to, first - before, to.size() - tail + after) + ")";
-  };
-  const auto isMove = [](const Gap::Origin* origin) {
-    return origin != nullptr && origin->kind == Kind::kMove;
-  };
-  const bool moved = isMove(source) || isMove(converted);
-  findings_.add(moved ? Difference::kStateMoves : Difference::kEndStates, 0, text);
+void Comparison::takeWait(Side& side) {
+  if (side.kind != Step::kWait) return;
+  const bool isConverted = &side == &converted_;
+  if (!isConverted) compareRates();
+  // Without its FREQUENCY a wait for clocks is as short as the clock is fast.
+  const bool isTck = side.wait.clocks > 0 && !side.wait.systemClock;
+  if (!isConverted && isTck && !converted_.isHertzSaid) waits_.limitTo(side.hertz);
+  waits_.add({side.wait, side.operation.place, side.hertz}, isConverted);
+  side.next();
 }
 
-void Comparison::compareSettings(Kind kind, Difference difference) {
-  const auto next = [kind](const std::vector<Setting>& settings, std::size_t at) {
-    while (at < settings.size() && settings[at].kind != kind) ++at;
-    return at;
-  };
-  const std::vector<Setting>& from = source_.gap.settings;
-  const std::vector<Setting>& to = converted_.gap.settings;
-  std::size_t i = next(from, 0);
-  std::size_t j = next(to, 0);
-  while (i < from.size() || j < to.size()) {
-    const bool same = i < from.size() && j < to.size() && from[i].value == to[j].value;
-    if (!same) {
-      findings_.add(difference, 0, [&] {
-        const std::string left = i < from.size() ? describe(from[i].place) : "(none)";
-        return "source " + left + ", converted " +
-               (j < to.size() ? describe(to[j].place) : "(none)");
-      });
-    }
-    i = next(from, i < from.size() ? i + 1 : i);
-    j = next(to, j < to.size() ? j + 1 : j);
-  }
-}
-
-std::string Comparison::where() const {
-  const auto place = [](const Side& side) {
-    return side.atScan ? describe(side.scan) : std::string("(no more)");
-  };
-  return "scan " + std::to_string(std::max(source_.scans, converted_.scans)) + ", source " +
-         place(source_) + ", converted " + place(converted_);
-}
-
-void Comparison::countRest(Side& side) {
-  while (!side.ended) {
-    side.gap = {};
-    if (side.atScan) side.passScan();
-    side.readGap();
-  }
-}
-
-void Comparison::endAtDifferentScan(const std::string& text) {
-  findings_.add(Difference::kScans, 0, [&] { return where() + ": " + text; });
-  countRest(source_);
-  countRest(converted_);
-  stopped_ = true;
-}
-
-bool Comparison::compareScans() {
-  const Operation& from = source_.operation;
-  const Operation& to = converted_.operation;
-  if (source_.ended || converted_.ended) {
-    endAtDifferentScan(source_.ended ? "not in the source" : "not in the converted file");
-    return false;
-  }
-  if (from.instruction != to.instruction || from.tdi->size() != to.tdi->size()) {
-    endAtDifferentScan(registerOf(from) + (" of " + std::to_string(from.tdi->size())) +
-                       " bits became " + registerOf(to) + " of " + std::to_string(to.tdi->size()) +
-                       "; what follows was not compared");
-    return false;
-  }
-
-  const auto word = [](const Bits* bits, std::size_t i, std::uint64_t otherwise) {
-    return bits != nullptr ? bits->word(i) : otherwise;
-  };
-  const std::uint64_t all = ~std::uint64_t{0};
-  const std::size_t bitsOfLast = from.tdi->size() % Bits::kWordBits;
-  const std::uint64_t last = bitsOfLast == 0 ? all : (std::uint64_t{1} << bitsOfLast) - 1;
-  BitCount tdi;
-  BitCount tdo;
-  BitCount less;
-  BitCount more;
-  BitCount open;
-  for (std::size_t i = 0; i < from.tdi->wordCount(); ++i) {
-    const std::uint64_t care = word(from.care, i, all);
-    const std::uint64_t wanted = word(from.mask, i, 0);
-    const std::uint64_t seen = word(to.mask, i, 0);
-    tdi.add((from.tdi->word(i) ^ to.tdi->word(i)) & care, i);
-    less.add(wanted & ~seen, i);
-    more.add(seen & ~wanted, i);
-    tdo.add((word(from.tdo, i, 0) ^ word(to.tdo, i, 0)) & wanted & seen, i);
-    const std::uint64_t inside = i + 1 == from.tdi->wordCount() ? last : all;
-    if (to.care != nullptr) open.add(care & inside & ~to.care->word(i), i);
-  }
-  const auto add = [this](Difference difference, const BitCount& bits, const char* what) {
-    if (bits.count == 0) return;
-    findings_.add(difference, static_cast<double>(bits.count),
-                  [&] { return where() + ": " + what + bits.text(); });
-  };
-  add(Difference::kCare, open, "");
-  add(Difference::kComparedLess, less, "");
-  add(Difference::kComparedMore, more, "");
-  if (tdi.count > 0) {
-    findings_.add(Difference::kScans, 0, [&] {
-      return where() + ": TDI differs in " + tdi.text() + ", which was " +
-             (from.tdi->bit(tdi.first) ? "1" : "0");
-    });
+void Comparison::compareStates() {
+  compareRates();
+  const bool isState = source_.kind == converted_.kind;
+  if (isState && source_.state == converted_.state) {
+    waits_.endPlace();
+    last_ = source_.state;
+    source_.next();
+    converted_.next();
+  } else if (source_.isImplied || converted_.isImplied) {
+    (source_.isImplied ? source_ : converted_).next();
   } else {
-    add(Difference::kScans, tdo, "expected TDO differs in ");
+    waits_.endPlace();
+    isAway_ = true;
+    isMove_ = source_.operation.kind == Kind::kMove || converted_.operation.kind == Kind::kMove;
+    for (Side* side : {&source_, &converted_}) {
+      side->detour.clear();
+      side->detourPlace = side->operation.place;
+    }
   }
-  source_.passScan();
-  converted_.passScan();
+}
+
+bool Comparison::passState(Side& side) {
+  if (!isAway_ || side.kind != Step::kState) return false;
+  if (side.detour.size() <= kMostStates) side.detour.push_back(side.state);
+  side.next();
   return true;
 }
 
-std::string Comparison::report() const {
-  const auto counted = [](std::uint64_t count, const char* what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+void Comparison::tellDetour() {
+  const bool isScan = source_.kind == Step::kScan && converted_.kind == Step::kScan;
+  const bool isAlike = isScan ? source_.operation.instruction == converted_.operation.instruction
+                              : source_.kind == converted_.kind;
+  if (!isAlike) return;  // that is told of the scans
+  findings_.add(isMove_ ? Difference::kStateMoves : Difference::kEndStates, 0, [this] {
+    const auto& from = source_.detour;
+    const auto& to = converted_.detour;
+    const auto tails = std::mismatch(from.rbegin(), from.rend(), to.rbegin(), to.rend());
+    const bool isAll = from.size() <= kMostStates && to.size() <= kMostStates;
+    const auto tail = isAll ? static_cast<std::size_t>(tails.first - from.rbegin()) : 0;
+    return "source " + source_.detourText(last_, tail) + ", converted " +
+           converted_.detourText(last_, tail);
+  });
+}
+
+// Settings divide places when both files have them. One that only one file has does
+// not, so that nothing else seems to have moved.
+void Comparison::compareSettings() {
+  const Operation& from = source_.operation;
+  const Operation& to = converted_.operation;
+  const bool isBoth = source_.kind == converted_.kind && from.kind == to.kind;
+  const bool isEqual =
+      isBoth && (from.kind == Kind::kFrequency ? from.hertz == to.hertz : from.word == to.word);
+  const double missing = isEqual ? 0 : waits_.missing();
+  if (isEqual || (isBoth && std::abs(missing) <= kClockSlack)) {
+    waits_.endPlace();
+    if (!isEqual) tellSettings(&source_, &converted_);
+    passSetting(source_);
+    passSetting(converted_);
+    return;
+  }
+  // The file that has waited less so far goes on.
+  const bool isLost = source_.kind == Step::kSetting &&
+                      (converted_.kind != Step::kSetting || missing <= kClockSlack);
+  tellSettings(isLost ? &source_ : nullptr, isLost ? nullptr : &converted_);
+  passSetting(isLost ? source_ : converted_);
+}
+
+void Comparison::tellSettings(const Side* from, const Side* to) {
+  const Operation& setting = (from != nullptr ? from : to)->operation;
+  if (setting.kind == Kind::kFrequency) return;  // compared where it is in force
+  const auto isOn = [](const Side* side) {
+    return side != nullptr && side->operation.word == "on";
   };
-  std::string text = "source:    " + std::string(source_.reader.form()) + ", " +
-                     counted(source_.scans, "scan") + ", " + counted(waits_.count(), "wait") +
-                     "\n" + "converted: " + std::string(converted_.reader.form()) + ", " +
-                     counted(converted_.scans, "scan") + "\n";
+  isResetUsed_ = isResetUsed_ || isOn(from) || isOn(to);
+  const auto difference = setting.kind == Kind::kParallelIo ? Difference::kParallelIo
+                          : isResetUsed_                    ? Difference::kResetLine
+                                                            : Difference::kResetLineOff;
+  const auto place = [](const Side* side) {
+    return side != nullptr ? describe(side->operation.place) : "(none)";
+  };
+  findings_.add(difference, 0,
+                [&] { return "source " + place(from) + ", converted " + place(to); });
+}
+
+void Comparison::passSetting(Side& side) {
+  const Operation& setting = side.operation;
+  if (setting.kind == Kind::kFrequency) {
+    side.hertz = setting.hertz < 0 ? kAnyHertz : setting.hertz;
+    side.hertzPlace = setting.place;
+    side.isHertzSaid = true;
+    isRateCompared_ = false;
+  }
+  isResetUsed_ = isResetUsed_ || setting.word == "on";
+  side.next();
+}
+
+void Comparison::compareRates() {
+  if (isRateCompared_) return;
+  isRateCompared_ = true;
+  const double limit = source_.hertz;
+  const double rate = converted_.isHertzSaid ? converted_.hertz : limit;
+  const double board = converted_.isHertzSaid ? 0 : tckHertz_;
+  const auto text = [this] {
+    return "source " + source_.hertzText() + ", converted " + converted_.hertzText();
+  };
+  if (std::max(rate, board) > limit * kHertzTolerance) {
+    findings_.add(Difference::kTooFast, 0, text);
+  } else if (rate != limit || (!converted_.isHertzSaid && limit < kAnyHertz)) {
+    findings_.add(Difference::kFrequency, 0, text);
+  }
+}
+
+bool Comparison::compareScans() {
+  const bool isSourceOver = source_.kind == Step::kEnd;
+  const bool isConvertedOver = converted_.kind == Step::kEnd;
+  if (isSourceOver && isConvertedOver) return false;
+  const Operation& from = source_.operation;
+  const Operation& to = converted_.operation;
+  const auto text = [](const Side& side) {
+    if (side.kind == Step::kEnd) return std::string("(none)");
+    const Operation& scan = side.operation;
+    return describe(scan.place) + (scan.instruction ? " (IR of " : " (DR of ") +
+           std::to_string(scan.tdi->size()) + " bits)";
+  };
+  if (isSourceOver || isConvertedOver || from.instruction != to.instruction ||
+      from.tdi->size() != to.tdi->size()) {
+    findings_.add(Difference::kScans, 0, [&] {
+      return "scan " + std::to_string((isSourceOver ? to : from).number) + ", source " +
+             text(source_) + ", converted " + text(converted_) + "; what follows was not compared";
+    });
+    isStopped_ = true;
+    converted_.skipToEnd();
+    return false;
+  }
+  compareBits(from, to, findings_);
+  source_.next();
+  converted_.next();
+  return true;
+}
+
+std::string Comparison::rateText() const {
+  const double most = waits_.holdsUpTo();
+  if (most <= 0 || most == kAnyHertz) return {};
+  std::string text;
+  if (tckHertz_ > 0) {
+    text = "times as clocks: at " + numberText(tckHertz_) + " Hz\n";
+    if (tckHertz_ <= most) return text;
+  } else if (findings_[Difference::kUnknownRate].count == 0) {
+    text = "times as clocks: at the FREQUENCY of the source\n";
+  }
+  return text + "holds for a TCK of at most " + numberText(std::floor(most)) + " Hz" +
+         (tckHertz_ > 0 ? "\n" : "; say -tck_freq\n");
+}
+
+std::string Comparison::report() const {
+  using enum Difference;
+  const auto counted = [](std::uint64_t count, const char* what) {
+    return ", " + std::to_string(count) + what + (count == 1 ? "" : "s");
+  };
+  std::string text = "source:    ";
+  text.append(source_.reader.form()).append(counted(source_.scans, " scan"));
+  text.append(counted(source_.waits, " wait")).append("\nconverted: ");
+  text.append(converted_.reader.form()).append(counted(converted_.scans, " scan")).append("\n");
   for (const Side* side : {&source_, &converted_}) {
-    const char* const name = side == &source_ ? "source" : "converted";
     for (const std::string& note : side->reader.notes()) {
-      text += std::string("note: ") + name + ": " + note + "\n";
+      text.append("note: ").append(side == &source_ ? "source: " : "converted: ");
+      text.append(note).append("\n");
     }
   }
-  if (waits_.usedRate()) {
-    text += "times as clocks: at " + numberText(rate_.hertz()) + " Hz" +
-            (rate_.isLearned()     ? ", as the waits show"
-             : rate_.isSuggested() ? ", for want of a better one (-tck_freq)"
-                                   : "") +
-            "\n";
+  text += rateText();
+  const auto isNone = [this](std::initializer_list<Difference> differences) {
+    return std::none_of(differences.begin(), differences.end(),
+                        [this](Difference difference) { return findings_[difference].count > 0; });
+  };
+  if (isNone({kScans, kNotPlayable})) {
+    text += "scans: all the same\n";
+    if (isNone({kUnknownRate, kShorterWaits, kLostWaits, kMovedWaits, kRoundedWaits, kBeyondMaximum,
+                kLongerWaits})) {
+      text += "waits: all the same\n";
+    }
+    if (isNone({kStateMoves, kEndStates})) text += "states: all the same\n";
   }
-  const auto isFound = [this](Difference difference) { return findings_[difference].count > 0; };
-  if (!isFound(Difference::kScans)) text += "scans: all the same\n";
-  if (!stopped_ && waits_.same() == waits_.count() && !isFound(Difference::kLongerWaits)) {
-    text += "waits: all the same\n";
-  }
-  if (!isFound(Difference::kStateMoves) && !isFound(Difference::kEndStates) && !stopped_) {
-    text += "states: all the same\n";
-  }
-  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
-    const auto difference = static_cast<Difference>(i);
-    const Findings::Entry& entry = findings_[difference];
-    if (entry.count == 0) continue;
-    text.append(ruleOf(difference).name).append(": ").append(std::to_string(entry.count));
-    text.append(" (").append(ruleOf(difference).meaning).append(")\n");
-    text.append("  first: ").append(entry.first).append("\n");
-    if (!entry.largest.empty()) text += "  largest: " + entry.largest + "\n";
-  }
-  return text;
+  return text + findings_.text();
 }
 
 }  // namespace tapforge_replay

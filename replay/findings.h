@@ -12,18 +12,23 @@ namespace tapforge_replay {
 /// Ways in which a converted file can differ from its source.
 enum class Difference {
   kScans,
+  kNotPlayable,
+  kNoScans,
   kCare,
+  kUnknownRate,
+  kTooFast,
   kShorterWaits,
   kLostWaits,
   kMovedWaits,
-  kLongerWaits,
-  kComparedLess,
-  kComparedMore,
+  kRoundedWaits,
+  kBeyondMaximum,
   kStateMoves,
   kEndStates,
   kResetLine,
   kParallelIo,
-  kSharedLines,
+  kLongerWaits,
+  kComparedLess,
+  kComparedMore,
   kResetLineOff,
   kFrequency,
   kMaximumTimes,
@@ -31,16 +36,17 @@ enum class Difference {
 };
 constexpr std::size_t kDifferenceCount = static_cast<std::size_t>(Difference::kCount);
 
-/// What is said about a difference. `harmless` ones leave the exit status alone:
-/// the devices get the same and no wait is shorter.
+/// What is said about a difference. `fatal` ones cannot be allowed. `harmless` ones
+/// leave the exit status alone: the devices get the same and no wait is shorter.
 struct DifferenceRule {
   std::string_view name;
   std::string_view meaning;
-  bool harmless;
+  bool fatal = false;
+  bool harmless = false;
 };
 const DifferenceRule& ruleOf(Difference difference);
 
-/// The difference of a name, if it can be allowed.
+/// The difference of a name.
 std::optional<Difference> findDifference(std::string_view name);
 
 /// How often each difference was found, and where.
@@ -69,6 +75,9 @@ class Findings {
   const Entry& operator[](Difference difference) const {
     return entries_[static_cast<std::size_t>(difference)];
   }
+
+  /// Some lines on each difference that was found, for people.
+  std::string text() const;
 
  private:
   std::array<Entry, kDifferenceCount> entries_;

@@ -34,6 +34,7 @@ class KsvfReader final : public Reader {
   }
 
   std::string_view form() const override { return "KSVF"; }
+  bool beginsWithReset() const override { return true; }
   std::size_t longestVector() const override { return longest_; }
 
   void next(Operation& operation) override {

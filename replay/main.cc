@@ -46,7 +46,7 @@ A FILE of - is standard input.
 -width N          cut the lines of a list after N characters
 -strict           any difference gives status 1
 -allow CLASS,...  these differences do not give status 1
--tck_freq N       Hz by which times became clocks, and at which a board runs
+-tck_freq N       Hz at which the board clocks (default: the source's FREQUENCY)
 -v2               KSVF waits after data scans only, as players of version 2 do
 -h, --help        this text
 --version         the version
@@ -68,8 +68,7 @@ struct Options {
   std::set<Difference> allowed;
   double tckHertz = 0;
   bool dataWaits = false;
-  bool help = false;
-  bool version = false;
+  std::string text;  // to be shown in place of a file
 };
 
 std::uint64_t numberOf(std::string_view option, std::string_view text) {
@@ -86,12 +85,21 @@ void allow(std::string_view names, Options& options) {
   while (!names.empty()) {
     const std::string_view name = names.substr(0, names.find(','));
     const auto difference = findDifference(name);
-    if (!difference) {
-      throw Fault("-allow cannot take the class \"" + std::string(name) + "\"; see --help");
-    }
+    if (!difference) throw Fault("-allow does not know \"" + std::string(name) + "\"; see --help");
+    if (ruleOf(*difference).fatal) throw Fault("\"" + std::string(name) + "\" cannot be allowed");
     options.allowed.insert(*difference);
     names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
+}
+
+std::string helpText() {
+  std::string text(kHelp);
+  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
+    const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
+    text.append(rule.harmless ? "    " : rule.fatal ? "  ! " : "  * ").append(rule.name);
+    text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
+  }
+  return text;
 }
 
 Options parse(const std::vector<std::string>& arguments) {
@@ -105,15 +113,15 @@ Options parse(const std::vector<std::string>& arguments) {
   const auto number = [&] { return numberOf(name, value()); };
   const std::map<std::string_view, std::function<void()>> known = {
       {"allow", [&] { allow(value(), options); }},
-      {"h", [&] { options.help = true; }},
-      {"help", [&] { options.help = true; }},
+      {"h", [&] { options.text = helpText(); }},
+      {"help", [&] { options.text = helpText(); }},
       {"scan", [&] { options.scan = number(); }},
       {"strict", [&] { options.strict = true; }},
       {"summary", [&] { options.summary = true; }},
       {"tck_freq", [&] { options.tckHertz = static_cast<double>(number()); }},
       {"v2", [&] { options.dataWaits = true; }},
       {"vcd", [&] { options.vcd = value(); }},
-      {"version", [&] { options.version = true; }},
+      {"version", [&] { options.text = "tapforge-replay " TAPFORGE_VERSION "\n"; }},
       {"w", [&] { options.overwrite = true; }},
       {"width", [&] { options.width = static_cast<std::size_t>(number()); }},
   };
@@ -130,7 +138,7 @@ Options parse(const std::vector<std::string>& arguments) {
       found->second();
     }
   }
-  if (options.help || options.version) return options;
+  if (!options.text.empty()) return options;
   if (options.files.empty() || options.files.size() > 2) {
     throw Fault("one file to show or two to compare are needed; see --help");
   }
@@ -139,19 +147,6 @@ Options parse(const std::vector<std::string>& arguments) {
     throw Fault("-scan, -summary and -vcd want one file, each for itself");
   }
   return options;
-}
-
-std::string helpText() {
-  std::string text(kHelp);
-  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
-    const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless               ? "    "
-                : findDifference(rule.name) ? "  * "
-                                            : "  ! ")
-        .append(rule.name);
-    text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
-  }
-  return text;
 }
 
 // A line on a terminal that says how far a long play has come.
@@ -246,11 +241,8 @@ int run(const std::vector<std::string>& arguments) {
   Output output;
   int status = kSame;
   try {
-    if (options.help) {
-      output << helpText();
-    } else if (options.version) {
-      output << "tapforge-replay " TAPFORGE_VERSION "\n";
-    } else {
+    output << options.text;
+    if (options.text.empty()) {
       status = options.files.size() == 1 ? show(options, output) : compare(options, output);
     }
     output.close();

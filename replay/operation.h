@@ -79,13 +79,8 @@ class Reader {
   /// Throws Fault when the file cannot be read or played.
   virtual void next(Operation& operation) = 0;
   virtual std::string_view form() const = 0;  ///< for people
-
-  /// Commands that share a line with another one, where that is an error.
-  struct SharedLines {
-    std::uint64_t count = 0;
-    Place first;
-  };
-  virtual SharedLines sharedLines() const { return {}; }
+  /// Whether a player of the file resets the TAP before anything else.
+  virtual bool beginsWithReset() const { return false; }
 
   /// Bits of the longest vector that a player of KSVF has to hold; 0 in other forms.
   virtual std::size_t longestVector() const { return 0; }

@@ -1,108 +1,79 @@
 #ifndef TAPFORGE_REPLAY_WAITS_H_
 #define TAPFORGE_REPLAY_WAITS_H_
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
 
-#include "replay/findings.h"
 #include "replay/operation.h"
+
+/// What waits ask for, and whether others give it. A wait asks for the larger of its
+/// clocks and its time, so what a place of the walk asks for is a sum of these larger
+/// ones, and depends on the rate of TCK. It is given when the sum of the other file is
+/// no smaller at any rate up to the one in force.
 
 namespace tapforge_replay {
 
-/// The TCK frequency by which a conversion turned times into clocks.
-class ClockRate {
- public:
-  /// In Hz; 0: to be found out.
-  explicit ClockRate(double given) : given_(given) {}
+constexpr double kAnyHertz = 1e15;    ///< where no rate is known
+constexpr double kClockSlack = 5e-7;  ///< clocks, for the rounding of products
 
-  /// The source's FREQUENCY, for want of anything better.
-  void suggest(double hertz) { suggested_ = hertz; }
+/// Clocks and times added up without an error.
+struct Amount {
+  std::int64_t clocks = 0;
+  std::int64_t seconds = 0;  ///< whole ones,
+  std::int64_t parts = 0;    ///< and 10^-18 of one
+  std::uint64_t waits = 0;   ///< that this is the sum of,
+  std::uint64_t times = 0;   ///< of these by their time
+  double hertz = 0;          ///< the highest FREQUENCY in force at one of them
 
-  /// Takes it from waits of so many seconds that became so many clocks, each
-  /// with the fraction of a clock dropped. Returns false when earlier waits
-  /// were taken for a lower frequency, so that they are too short.
-  bool learn(double seconds, double clocks, double waits);
-
-  double hertz() const;
-  bool isLearned() const { return given_ <= 0 && learned_ > 0; }
-  bool isSuggested() const { return given_ <= 0 && learned_ <= 0; }
-
- private:
-  double given_;
-  double suggested_ = 0;
-  double learned_ = 0;
-  double low_ = 0;  // what the waits so far allow
-  double high_ = 0;
+  /// Throws Fault when the sum is too large to be without an error.
+  void add(const Amount& more);
+  double clocksAt(double rate) const;
 };
 
-/// A wait between two scans, or equal ones in a row.
 struct PlacedWait {
+  PlacedWait(const Wait& what, const Place& where, double hertz);
+
   Wait wait;
-  std::size_t position = 0;  ///< waits with the same one have no move between them
-  Place place;               ///< of the first
-  std::uint64_t times = 1;
+  Place place;
+  Amount clocks;  ///< what it asks for, when this is the larger
+  Amount time;    ///< the same
 };
 
-/// Compares the waits of two files, those between two scans at a time.
-class WaitComparison {
- public:
-  /// `inParts`: the converted form cuts long waits into parts.
-  WaitComparison(ClockRate& rate, Findings& findings, bool inParts)
-      : rate_(rate), findings_(findings), inParts_(inParts) {}
+/// Waits of a file in one TAP state by one clock: the first ones, and the sum of more.
+struct WaitList {
+  std::vector<PlacedWait> first;
+  Amount more;
 
-  void compare(const std::vector<PlacedWait>& source, const std::vector<PlacedWait>& converted);
-  void finish();  ///< at the end of both files
+  bool isEmpty() const { return first.empty(); }
+  std::uint64_t count() const { return first.size() + more.waits; }
+  void add(const PlacedWait& wait, bool isConverted);
+  Amount sumAt(double rate) const;  ///< of each wait what is larger at this rate
+  std::string text() const;
+};
 
-  std::uint64_t count() const { return count_; }  ///< waits of the source
-  std::uint64_t same() const { return same_; }
-  bool usedRate() const { return usedRate_; }  ///< times were compared with clocks
-
- private:
-  using Run = std::span<const PlacedWait>;  // waits without a move between them
-
-  // A wait of the source that was not found, what is missing of one, or what the
-  // converted file waits beyond the source.
-  struct Open {
-    double clocks = 0;
-    std::string text;
-    std::uint64_t waits = 1;
-    std::string converted{};  // of text, the part about that file
-    bool whole = true;        // a wait, not a part of one
+/// What two files wait at one place.
+struct WaitPair {
+  enum class Verdict { kSame, kRounded, kShorter, kUnknownRate, kLonger };
+  struct Judgement {
+    Verdict verdict = Verdict::kSame;
+    double rate = 0;               ///< at which the amounts are told, in Hz
+    double missing = 0;            ///< clocks; below 0: there are more than asked for
+    double tolerance = 0;          ///< clocks that rounding may lose
+    double holdsUpTo = kAnyHertz;  ///< Hz, where times became clocks
   };
 
-  // For each run of the source the index of the converted one that goes with it,
-  // or a number above all of these.
-  std::vector<std::size_t> align(const std::vector<Run>& source,
-                                 const std::vector<Run>& converted) const;
-  static std::vector<Run> runsOf(const std::vector<PlacedWait>& waits);
-  void pair(Run source, Run converted, bool learn);
-  void learnRate(Run source, Run converted);
-  void one(const PlacedWait& source, const PlacedWait& converted);
-  void judge(double missing, Run source, Run converted);
-  double clocksOf(const Wait& wait) const;
-  double clocksOf(Run run) const;
-  bool claim(std::vector<Open>& extra, Open& lost);
-  void checkMaximum(const PlacedWait& source, Run converted);
+  WaitList from;
+  WaitList to;
 
-  ClockRate& rate_;
-  Findings& findings_;
-  bool inParts_;
-  std::uint64_t count_ = 0;
-  std::uint64_t same_ = 0;
-  bool usedRate_ = false;
+  bool isEmpty() const { return from.isEmpty() && to.isEmpty(); }
+  std::string text() const;
+  /// `tckHertz`: the rate of the board, 0 if it is not known. One of both is not empty.
+  Judgement judge(double tckHertz) const;
 
-  // Times judged by the rate so far: should it prove too low, they are too short.
-  std::uint64_t timesJudged_ = 0;
-  std::string firstTime_;
-
-  std::vector<Open> short_;
-  std::vector<Open> lost_;
-  std::vector<Open> extra_;
-  std::vector<Open> lostBefore_;  // between the two scans before
-  std::vector<Open> extraBefore_;
+ private:
+  double missingAt(double rate) const;
+  double toleranceAt(double rate) const;
 };
 
 }  // namespace tapforge_replay
