@@ -2,11 +2,10 @@
 #define TAPFORGE_REPLAY_COMPARE_H_
 
 #include <string>
-#include <vector>
 
 #include "replay/findings.h"
 #include "replay/steps.h"
-#include "replay/wait_comparison.h"
+#include "replay/waits.h"
 
 namespace tapforge_replay {
 
@@ -29,26 +28,23 @@ class Comparison {
  private:
   struct Side : Steps {
     using Steps::Steps;
-    double hertz = kAnyHertz;  // the FREQUENCY in force, which stands at
-    Place hertzPlace;
-    bool isHertzSaid = false;
-    std::vector<TapState> detour;  // from the first state on that differs; it begins at
-    Place detourPlace;
+    double hertz = kAnyHertz;          // the FREQUENCY in force,
+    std::string frequency = kNowhere;  // and where it is set
+    std::string detour;                // where the states begin to differ
 
-    std::string hertzText() const;
-    std::string detourText(TapState before, std::size_t tail) const;
+    std::string text() const;  // place and text of the operation
   };
+  static constexpr const char* kNowhere = "(none)";
 
   void compareGap();  // all up to the next scans
   void takeWait(Side& side);
   void compareStates();
-  bool passState(Side& side);
-  void tellDetour();
   void compareSettings();
-  void tellSettings(const Side* from, const Side* to);
   void passSetting(Side& side);
   void compareRates();
   bool compareScans();  // false: there is no sense in going on
+  void compareBits();
+  void tell(Difference difference, const std::string& from, const std::string& to);
   std::string rateText() const;
 
   Side source_;
@@ -56,12 +52,10 @@ class Comparison {
   double tckHertz_;
   Findings findings_;
   WaitComparison waits_;
-  bool isStopped_ = false;
-  bool isResetUsed_ = false;          // a TRST ON was met
-  bool isRateCompared_ = false;       // since the last FREQUENCY
-  bool isAway_ = false;               // the states differ, up to the next scans
-  bool isMove_ = false;               // ... and that began with a move
-  TapState last_ = TapState::kReset;  // that both entered
+  bool isResetUsed_ = false;     // a TRST ON was met
+  bool isRateCompared_ = false;  // since the last FREQUENCY
+  bool isAway_ = false;          // the states differ, up to the next scans
+  bool isMove_ = false;          // ... and that began with a move
 };
 
 }  // namespace tapforge_replay

@@ -11,24 +11,24 @@ constexpr std::array<DifferenceRule, kDifferenceCount> kRules = {{
     {"not-playable", "what no player or Tcl shell takes as it is meant", kFatal},
     {"no-scans", "a source without any scan, which proves nothing"},
     {"care", "TDI bits that the source fixes and SMASK now leaves open"},
+    {"compared-less", "scans that compare less", !kFatal, kHarmless},
+    {"compared-more", "scans that compare more", !kFatal, kHarmless},
     {"unknown-rate", "waits that are long enough at some rates of TCK only"},
-    {"too-fast", "TCK faster than the source's FREQUENCY"},
     {"shorter-waits", "waits that are shorter"},
     {"lost-waits", "waits that are lost"},
     {"moved-waits", "waits at another place, in another state, by another clock or in parts"},
     {"rounded-waits", "waits shorter by the rounding of their times"},
+    {"longer-waits", "waits that are longer or new", !kFatal, kHarmless},
     {"beyond-maximum", "waits longer than their MAXIMUM, or with a new one"},
+    {"maximum-times", "maximum times of waits left out or changed", !kFatal, kHarmless},
     {"state-moves", "state moves that differ"},
     {"end-states", "scans or waits that end in another state"},
     {"reset-line", "settings of the reset line (TRST) left out or changed"},
-    {"parallel-io", "statements of parallel I/O left out or changed"},
-    {"longer-waits", "waits that are longer or new", !kFatal, kHarmless},
-    {"compared-less", "scans that compare less", !kFatal, kHarmless},
-    {"compared-more", "scans that compare more", !kFatal, kHarmless},
     {"reset-line-off", "settings of it to OFF or Z, before any ON, left out or changed",
      !kFatal, kHarmless},
+    {"parallel-io", "statements of parallel I/O left out or changed"},
+    {"too-fast", "TCK faster than the source's FREQUENCY"},
     {"frequency", "a FREQUENCY left out or lowered", !kFatal, kHarmless},
-    {"maximum-times", "maximum times of waits left out or changed", !kFatal, kHarmless},
 }};
 // clang-format on
 
@@ -40,7 +40,7 @@ const DifferenceRule& ruleOf(Difference difference) {
 
 std::optional<Difference> findDifference(std::string_view name) {
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
-    if (kRules[i].name == name) return static_cast<Difference>(i);
+    if (kRules[i].name == name && !kRules[i].fatal) return static_cast<Difference>(i);
   }
   return std::nullopt;
 }

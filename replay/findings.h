@@ -9,31 +9,16 @@
 
 namespace tapforge_replay {
 
-/// Ways in which a converted file can differ from its source.
+/// Ways in which a converted file can differ from its source: in its scans, its waits,
+/// its states, its settings.
+// clang-format off
 enum class Difference {
-  kScans,
-  kNotPlayable,
-  kNoScans,
-  kCare,
-  kUnknownRate,
-  kTooFast,
-  kShorterWaits,
-  kLostWaits,
-  kMovedWaits,
-  kRoundedWaits,
-  kBeyondMaximum,
-  kStateMoves,
-  kEndStates,
-  kResetLine,
-  kParallelIo,
-  kLongerWaits,
-  kComparedLess,
-  kComparedMore,
-  kResetLineOff,
-  kFrequency,
-  kMaximumTimes,
-  kCount,
+  kScans, kNotPlayable, kNoScans, kCare, kComparedLess, kComparedMore,
+  kUnknownRate, kShorterWaits, kLostWaits, kMovedWaits, kRoundedWaits, kLongerWaits,
+  kBeyondMaximum, kMaximumTimes, kStateMoves, kEndStates, kResetLine, kResetLineOff,
+  kParallelIo, kTooFast, kFrequency, kCount
 };
+// clang-format on
 constexpr std::size_t kDifferenceCount = static_cast<std::size_t>(Difference::kCount);
 
 /// What is said about a difference. `fatal` ones cannot be allowed. `harmless` ones
@@ -46,7 +31,7 @@ struct DifferenceRule {
 };
 const DifferenceRule& ruleOf(Difference difference);
 
-/// The difference of a name.
+/// The difference of a name, if it can be allowed.
 std::optional<Difference> findDifference(std::string_view name);
 
 /// How often each difference was found, and where.

@@ -85,8 +85,9 @@ void allow(std::string_view names, Options& options) {
   while (!names.empty()) {
     const std::string_view name = names.substr(0, names.find(','));
     const auto difference = findDifference(name);
-    if (!difference) throw Fault("-allow does not know \"" + std::string(name) + "\"; see --help");
-    if (ruleOf(*difference).fatal) throw Fault("\"" + std::string(name) + "\" cannot be allowed");
+    if (!difference) {
+      throw Fault("-allow cannot take the class \"" + std::string(name) + "\"; see --help");
+    }
     options.allowed.insert(*difference);
     names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
@@ -96,7 +97,10 @@ std::string helpText() {
   std::string text(kHelp);
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
     const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless ? "    " : rule.fatal ? "  ! " : "  * ").append(rule.name);
+    text.append(rule.harmless               ? "    "
+                : findDifference(rule.name) ? "  * "
+                                            : "  ! ")
+        .append(rule.name);
     text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
   }
   return text;

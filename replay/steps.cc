@@ -15,68 +15,38 @@ void Steps::read() {
 
 // Returns false where the operation is no more than the states that it enters.
 bool Steps::isOwnStep() {
-  switch (operation.kind) {
-    case Operation::Kind::kScan:
-      kind = Kind::kScan;
-      ++scans;
-      return true;
-    case Operation::Kind::kWait:
-      kind = Kind::kWait;
-      wait = operation.wait;
-      ++waits;
-      return true;
-    case Operation::Kind::kResetLine:
-      if (operation.word == "absent") return false;  // there is none to be set
-      [[fallthrough]];
-    case Operation::Kind::kFrequency:
-    case Operation::Kind::kParallelIo:
-      kind = Kind::kSetting;
-      return true;
-    case Operation::Kind::kEnd:
-      kind = Kind::kEnd;
-      return true;
-    case Operation::Kind::kMove:
-    case Operation::Kind::kEndState:  // seen in the moves after the scans
-      break;
-  }
-  return false;
+  using enum Operation::Kind;
+  kind = operation.kind == kScan   ? Kind::kScan
+         : operation.kind == kWait ? Kind::kWait
+         : operation.kind == kEnd  ? Kind::kEnd
+                                   : Kind::kSetting;
+  scans += kind == Kind::kScan ? 1 : 0;
+  waits += kind == Kind::kWait ? 1 : 0;
+  wait = operation.wait;
+  const bool isAbsent = operation.kind == kResetLine && operation.word == "absent";
+  return operation.kind != kMove && operation.kind != kEndState && !isAbsent;
 }
 
-// Returns false for a reset of a TAP that was reset. TCKs that stay in another stable
-// state are a wait; in a shift state each shifts a bit.
-bool Steps::enter() {
-  const bool isAfter = at_ > before_;
-  const std::vector<TapState>& states = isAfter ? operation.after : operation.before;
-  const std::size_t first = isAfter ? before_ + 1 : 0;
-  const TapState from = state;
-  state = states[at_ - first];
-  kind = Kind::kState;
-  if (isFresh_ || from != state || !isStable(state)) {
-    isFresh_ = false;
-    return true;
-  }
-  if (state == TapState::kReset) return false;
-  kind = Kind::kWait;
-  wait = {.state = state, .clocks = 1};
-  for (; at_ + 1 - first < states.size() && states[at_ + 1 - first] == state; ++at_) ++wait.clocks;
-  return true;
+// A TCK that stays in a stable state is a wait; in a shift state it shifts a bit.
+// Returns false for a reset of a TAP that was reset.
+bool Steps::enter(TapState next) {
+  const bool isStay = !isFresh_ && next == state && isStable(next);
+  isFresh_ = false;
+  kind = isStay ? Kind::kWait : Kind::kState;
+  state = next;
+  wait = {.state = next, .clocks = 1};
+  return !isStay || next != TapState::kReset;
 }
 
 void Steps::next() {
   isImplied = isFresh_ && reader.beginsWithReset();
-  if (isImplied) {
-    isFresh_ = false;
-    return;
-  }
-  for (;; ++at_) {
+  isFresh_ = isFresh_ && !isImplied;
+  for (bool isStep = isImplied; !isStep; ++at_) {
     if (at_ == count_) read();
-    if (at_ == before_ ? isOwnStep() : enter()) break;
+    isStep = at_ < before_    ? enter(operation.before[at_])
+             : at_ == before_ ? isOwnStep()
+                              : enter(operation.after[at_ - before_ - 1]);
   }
-  if (kind != Kind::kEnd) ++at_;
-}
-
-void Steps::skipToEnd() {
-  while (kind != Kind::kEnd) next();
 }
 
 }  // namespace tapforge_replay

@@ -23,8 +23,10 @@ class Steps {
   explicit Steps(Reader& file) : reader{file} {}
 
   void next();
+  void skipToEnd() {
+    while (kind != Kind::kEnd) next();
+  }
   bool isGapOver() const { return kind == Kind::kScan || kind == Kind::kEnd; }
-  void skipToEnd();
 
   Reader& reader;
   Operation operation;  ///< that the step is a part of
@@ -39,7 +41,7 @@ class Steps {
  private:
   void read();
   bool isOwnStep();
-  bool enter();
+  bool enter(TapState next);
 
   bool isFresh_ = true;     // no state was entered
   std::size_t at_ = 0;      // of the steps of the operation

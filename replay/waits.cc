@@ -1,129 +1,101 @@
 #include "replay/waits.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-
-#include "replay/fault.h"
+#include <utility>
 
 namespace tapforge_replay {
 namespace {
 
-constexpr std::int64_t kParts = 1000000000000000000;  // of a second
-constexpr std::int64_t kMostSum = std::int64_t{1} << 53;
+using Verdict = WaitPair::Verdict;
+
 constexpr double kUsualHertz = 1e6;  // to tell amounts where no rate is known
+constexpr double kClockSlack = 5e-7;
+constexpr double kDigitsOfTime = 1e-15;
 constexpr double kTimeTolerance = 0.005;
 constexpr double kClockTolerance = 1e-7;
 constexpr std::size_t kMostFirst = 32;
 
-// From the digits of the shortest text that is this number.
-void setTime(double value, Amount& time) {
-  std::array<char, 400> text{};
-  const char* const end =
-      std::to_chars(text.begin(), text.end(), value, std::chars_format::fixed).ptr;
-  const char* at = std::from_chars(text.begin(), end, time.seconds).ptr;  // then a point
-  for (std::int64_t unit = kParts / 10; unit > 0 && at + 1 < end; unit /= 10) {
-    time.parts += (*++at - '0') * unit;
-  }
-}
+constexpr std::size_t kMostOpen = 1000;
+constexpr double kMostRounded = 1.005;  // of a MAXIMUM
+constexpr double kLeast = 1e-6;         // clocks
+
+WaitList alone(const PlacedWait& wait) { return {{wait}, {}, 1}; }
 
 }  // namespace
 
-void Amount::add(const Amount& more) {
-  clocks += more.clocks;
-  seconds += more.seconds;
-  parts += more.parts;
-  if (parts >= kParts) {
-    parts -= kParts;
-    ++seconds;
-  }
-  waits += more.waits;
-  times += more.times;
-  hertz = std::max(hertz, more.hertz);
-  if (clocks > kMostSum || seconds > kMostSum) throw Fault("waits that are too long to be added");
-}
-
-double Amount::clocksAt(double rate) const {
-  return std::fma(static_cast<double>(seconds), rate, static_cast<double>(clocks)) +
-         static_cast<double>(parts) / static_cast<double>(kParts) * rate;
-}
-
-PlacedWait::PlacedWait(const Wait& what, const Place& where, double hertz)
-    : wait{what}, place{where}, clocks{.waits = 1, .hertz = hertz}, time{clocks} {
-  if (wait.clocks >= 0) clocks.clocks = static_cast<std::int64_t>(std::ceil(wait.clocks));
-  if (wait.seconds >= 0) setTime(wait.seconds, time);
-  time.times = 1;
+void WaitList::Sum::add(const PlacedWait& wait, bool isTime) {
+  clocks += isTime ? 0 : std::ceil(wait.wait.clocks);
+  seconds += isTime ? wait.wait.seconds : 0;
+  times += isTime ? 1 : 0;
+  hertz = std::max(hertz, wait.hertz);
+  maximum += wait.wait.maximum < 0 ? kAnyHertz : wait.wait.maximum;
 }
 
 // Where there are many, of one that asks for both no more is known than that it is no
 // longer than one after the other, and no shorter than its clocks.
 void WaitList::add(const PlacedWait& wait, bool isConverted) {
+  ++count;
   if (first.size() < kMostFirst) {
     first.push_back(wait);
-  } else if (wait.wait.clocks < 0) {
-    more.add(wait.time);
-  } else {
-    more.add(wait.clocks);
-    if (!isConverted && wait.wait.seconds >= 0) more.add(wait.time);
+    return;
   }
+  const bool isClocks = wait.wait.clocks >= 0;
+  if (isClocks) others.add(wait, false);
+  if (!isClocks || (!isConverted && wait.wait.seconds > 0)) others.add(wait, true);
 }
 
-Amount WaitList::sumAt(double rate) const {
-  Amount sum = more;
-  for (const PlacedWait& each : first) {
-    sum.add(each.wait.clocks < each.wait.seconds * rate ? each.time : each.clocks);
-  }
+WaitList::Sum WaitList::sumAt(double rate) const {
+  Sum sum = others;
+  for (const PlacedWait& each : first) sum.add(each, each.wait.clocks < each.wait.seconds * rate);
   return sum;
 }
 
 std::string WaitList::text() const {
-  if (isEmpty()) return "(none)";
-  const std::string others = count() > 1 ? " and " + std::to_string(count() - 1) + " more" : "";
-  return describe(first[0].place) + " (" + describe(first[0].wait) + others + ")";
+  if (first.empty()) return "(none)";
+  const std::string more = count > 1 ? " and " + std::to_string(count - 1) + " more" : "";
+  return describe(first[0].place) + " (" + describe(first[0].wait) + more + ")";
 }
 
 std::string WaitPair::text() const { return "source " + from.text() + ", converted " + to.text(); }
 
 double WaitPair::missingAt(double rate) const {
-  Amount sum = from.sumAt(rate);
-  const Amount given = to.sumAt(rate);
-  sum.clocks -= given.clocks;
-  sum.seconds -= given.seconds;
-  sum.parts -= given.parts;
-  return sum.clocksAt(rate);
+  const WaitList::Sum asked = from.sumAt(rate);
+  const WaitList::Sum given = to.sumAt(rate);
+  const double clocks = std::fma(asked.seconds - given.seconds, rate, asked.clocks - given.clocks);
+  const double slack = asked.times == 0 ? 0 : kClockSlack + asked.seconds * rate * kDigitsOfTime;
+  return std::abs(clocks) <= slack ? 0 : clocks;
 }
 
 // Times that stayed times have lost digits, those that became clocks a part of one;
-// clocks may lose nothing.
+// clocks may lose nothing, and no wait may get lost.
 double WaitPair::toleranceAt(double rate) const {
-  if (to.isEmpty()) return 0;  // lost
-  Amount times = from.sumAt(rate);
-  times.clocks = 0;
-  const double clocks = times.clocksAt(rate);
+  const WaitList::Sum asked = from.sumAt(rate);
+  const double clocks = asked.seconds * rate;
+  if (to.count == 0) return 0;
   if (to.sumAt(rate).times > 0) return clocks * kTimeTolerance;
-  return std::max(static_cast<double>(times.times), clocks * kClockTolerance);
+  return std::max(static_cast<double>(asked.times), clocks * kClockTolerance) + kClockSlack;
 }
 
 WaitPair::Judgement WaitPair::judge(double tckHertz) const {
   Judgement result;
-  const bool isSystem = (from.isEmpty() ? to : from).first[0].wait.systemClock;
+  const bool isSystem = (from.count == 0 ? to : from).first[0].wait.systemClock;
   const bool isTime = to.sumAt(kAnyHertz).times > 0;
   double limit = tckHertz > 0 ? tckHertz : from.sumAt(0).hertz;
-  if (isSystem || from.isEmpty()) limit = kAnyHertz;
-  const bool becameClocks = !isTime && !isSystem && !to.isEmpty() && missingAt(0) <= kClockSlack;
-  if (becameClocks && missingAt(kAnyHertz) > kClockSlack) {
+  if (isSystem || from.count == 0) limit = kAnyHertz;
+  const bool becameClocks = !isTime && !isSystem && to.count > 0 && missingAt(0) <= 0;
+  if (becameClocks && missingAt(kAnyHertz) > 0) {
     double beyond = kAnyHertz;
     result.holdsUpTo = 0;
     for (int i = 0; i < 100; ++i) {
       const double middle = (result.holdsUpTo + beyond) / 2;
-      (missingAt(middle) > kClockSlack ? beyond : result.holdsUpTo) = middle;
+      (missingAt(middle) > 0 ? beyond : result.holdsUpTo) = middle;
     }
     if (limit == kAnyHertz) result.verdict = Verdict::kUnknownRate;
   }
   result.rate = limit < kAnyHertz ? limit : kUsualHertz;
   result.missing = missingAt(result.rate);
-  result.tolerance = toleranceAt(result.rate) + kClockSlack;
+  result.tolerance = toleranceAt(result.rate);
   if (result.verdict == Verdict::kUnknownRate) return result;
 
   // What is given grows evenly between these rates, and what is asked for never slower
@@ -135,16 +107,130 @@ WaitPair::Judgement WaitPair::judge(double tckHertz) const {
   }
   for (const double rate : rates) {
     const double missing = missingAt(rate);
-    if (missing <= kClockSlack) continue;
-    const bool isRounded = missing <= toleranceAt(rate) + kClockSlack;
-    result.verdict = std::max(result.verdict, isRounded ? Verdict::kRounded : Verdict::kShorter);
+    if (missing <= 0) continue;
+    const auto verdict = missing <= toleranceAt(rate) ? Verdict::kRounded : Verdict::kShorter;
+    result.verdict = std::max(result.verdict, verdict);
     if (rate <= result.rate) result.missing = std::max(result.missing, missing);
   }
-  const double more = isTime ? kClockSlack : result.tolerance;  // a time is not rounded up
-  if (result.verdict == Verdict::kSame && -result.missing > more) {
+  const double roundedUp = isTime ? 0 : result.tolerance;
+  if (result.verdict == Verdict::kSame && result.missing < -roundedUp) {
     result.verdict = Verdict::kLonger;
   }
   return result;
+}
+
+// A wait is compared with another one alone first, so that the one that differs is
+// told. What is left of both files goes together at the end of the place.
+void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
+  isEmpty_ = false;
+  WaitPair& pair =
+      pairs_[static_cast<std::size_t>(wait.wait.state) * 2 + (wait.wait.systemClock ? 1 : 0)];
+  WaitList& others = isConverted ? pair.from : pair.to;
+  const auto goesWith = [&](const PlacedWait& other) {
+    if (other.wait == wait.wait) return true;
+    const WaitPair both{alone(isConverted ? other : wait), alone(isConverted ? wait : other)};
+    const WaitPair::Judgement judgement = both.judge(tckHertz_);
+    if (judgement.verdict > Verdict::kRounded) return false;
+    tell(both, judgement);
+    return true;
+  };
+  const auto found = std::find_if(others.first.begin(), others.first.end(), goesWith);
+  if (found == others.first.end()) {
+    (isConverted ? pair.to : pair.from).add(wait, isConverted);
+  } else {
+    others.first.erase(found);
+    --others.count;
+  }
+}
+
+void WaitComparison::endPlace() {
+  if (std::exchange(isEmpty_, true)) return;
+  for (WaitPair& pair : pairs_) {
+    if (pair.isEmpty()) continue;
+    tell(pair, pair.judge(tckHertz_));
+    pair = {};
+  }
+}
+
+void WaitComparison::tell(Difference difference, double size, const WaitPair& pair) {
+  findings_.add(
+      difference, size, [&pair] { return pair.text(); },
+      pair.from.count > 0 ? pair.from.count : pair.to.count);
+}
+
+void WaitComparison::tell(const WaitPair& pair, const WaitPair::Judgement& judgement) {
+  const bool isShorter = judgement.verdict == Verdict::kShorter;
+  limitTo(isShorter && judgement.holdsUpTo == kAnyHertz ? 0 : judgement.holdsUpTo);
+  if (lost_.size() + extra_.size() > kMostOpen) endGap();
+  if (isShorter) tellShorter(pair, judgement);
+  if (judgement.verdict == Verdict::kLonger) extra_.push_back({-judgement.missing, pair, gap_});
+  if (judgement.verdict == Verdict::kRounded) {
+    tell(Difference::kRoundedWaits, judgement.missing, pair);
+  } else if (judgement.verdict == Verdict::kUnknownRate) {
+    tell(Difference::kUnknownRate, judgement.missing, pair);
+  }
+  tellMaximum(pair, judgement);
+}
+
+// Where one of several waits is as long as what is missing, it is this one.
+void WaitComparison::tellShorter(const WaitPair& pair, const WaitPair::Judgement& judgement) {
+  const bool isAll = pair.to.count == 0 && pair.from.count == pair.from.first.size();
+  for (const PlacedWait& each : pair.from.first) {
+    const WaitPair lost{alone(each), {}};
+    const double clocks = lost.from.sumAt(judgement.rate).clocksAt(judgement.rate);
+    const bool isIt = std::abs(clocks - judgement.missing) <= judgement.tolerance;
+    if (isAll || (isIt && pair.from.count > 1)) lost_.push_back({clocks, lost, gap_});
+    if (isIt && pair.from.count > 1) return;
+  }
+  if (!isAll) lost_.push_back({judgement.missing, pair, gap_});
+}
+
+// A MAXIMUM of the source may get lost or grow; one that it does not have binds the
+// player, and a wait may have become longer than its own.
+void WaitComparison::tellMaximum(const WaitPair& pair, const WaitPair::Judgement& judgement) {
+  if (pair.to.count == 0) return;
+  const double asked = pair.from.sumAt(judgement.rate).maximum;
+  const double most = pair.from.count > 0 ? std::min(asked, kAnyHertz) : kAnyHertz;
+  const WaitList::Sum given = pair.to.sumAt(judgement.rate);
+  const double lasts = given.clocksAt(judgement.rate) / judgement.rate;
+  const bool isLonger = judgement.verdict == Verdict::kLonger && lasts > most;
+  if (isLonger || given.maximum * kMostRounded < most) {
+    tell(Difference::kBeyondMaximum, lasts, pair);
+  } else if (std::min(given.maximum, kAnyHertz) != most) {
+    tell(Difference::kMaximumTimes, 0, pair);
+  }
+}
+
+// What is missing may be left over elsewhere. But what a wait lacks is not made up for
+// by another one that is too long.
+bool WaitComparison::isMoved(const Open& lost) {
+  const auto holds = [&lost](const Open& extra) {
+    return extra.clocks > 0 && extra.clocks >= lost.clocks - kLeast &&
+           (lost.isWhole() || extra.isWhole());
+  };
+  const auto extra = std::find_if(extra_.begin(), extra_.end(), holds);
+  if (extra == extra_.end()) return false;
+  extra->clocks -= lost.clocks;
+  tell(Difference::kMovedWaits, lost.clocks, {lost.waits.from, extra->waits.to});
+  return true;
+}
+
+// Whole waits may be left over on the other side of a scan.
+void WaitComparison::endGap() {
+  std::erase_if(lost_, [this](const Open& lost) {
+    if (isMoved(lost)) return true;
+    if (lost.isWhole() && lost.gap == gap_) return false;
+    tell(lost.isWhole() ? Difference::kLostWaits : Difference::kShorterWaits, lost.clocks,
+         lost.waits);
+    return true;
+  });
+  std::erase_if(extra_, [this](const Open& extra) {
+    if (extra.clocks <= kLeast) return true;
+    if (extra.gap == gap_) return false;
+    tell(Difference::kLongerWaits, extra.clocks, extra.waits);
+    return true;
+  });
+  ++gap_;
 }
 
 }  // namespace tapforge_replay

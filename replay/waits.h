@@ -1,10 +1,13 @@
 #ifndef TAPFORGE_REPLAY_WAITS_H_
 #define TAPFORGE_REPLAY_WAITS_H_
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "replay/findings.h"
 #include "replay/operation.h"
 
 /// What waits ask for, and whether others give it. A wait asks for the larger of its
@@ -14,41 +17,33 @@
 
 namespace tapforge_replay {
 
-constexpr double kAnyHertz = 1e15;    ///< where no rate is known
-constexpr double kClockSlack = 5e-7;  ///< clocks, for the rounding of products
-
-/// Clocks and times added up without an error.
-struct Amount {
-  std::int64_t clocks = 0;
-  std::int64_t seconds = 0;  ///< whole ones,
-  std::int64_t parts = 0;    ///< and 10^-18 of one
-  std::uint64_t waits = 0;   ///< that this is the sum of,
-  std::uint64_t times = 0;   ///< of these by their time
-  double hertz = 0;          ///< the highest FREQUENCY in force at one of them
-
-  /// Throws Fault when the sum is too large to be without an error.
-  void add(const Amount& more);
-  double clocksAt(double rate) const;
-};
+constexpr double kAnyHertz = 1e15;  ///< where no rate is known
 
 struct PlacedWait {
-  PlacedWait(const Wait& what, const Place& where, double hertz);
-
   Wait wait;
   Place place;
-  Amount clocks;  ///< what it asks for, when this is the larger
-  Amount time;    ///< the same
+  double hertz = 0;  ///< of the FREQUENCY in force
 };
 
-/// Waits of a file in one TAP state by one clock: the first ones, and the sum of more.
+/// Waits of a file in one TAP state by one clock: the first ones, and sums of others.
 struct WaitList {
-  std::vector<PlacedWait> first;
-  Amount more;
+  struct Sum {
+    double clocks = 0;
+    double seconds = 0;
+    std::uint64_t times = 0;  ///< waits that are in the sum by their time
+    double hertz = 0;         ///< the highest FREQUENCY
+    double maximum = 0;       ///< seconds, far too many where one has no MAXIMUM
 
-  bool isEmpty() const { return first.empty(); }
-  std::uint64_t count() const { return first.size() + more.waits; }
+    void add(const PlacedWait& wait, bool isTime);
+    double clocksAt(double rate) const { return clocks + seconds * rate; }
+  };
+
+  std::vector<PlacedWait> first;
+  Sum others;
+  std::uint64_t count = 0;
+
   void add(const PlacedWait& wait, bool isConverted);
-  Amount sumAt(double rate) const;  ///< of each wait what is larger at this rate
+  Sum sumAt(double rate) const;  ///< of each wait what is larger at this rate
   std::string text() const;
 };
 
@@ -66,7 +61,7 @@ struct WaitPair {
   WaitList from;
   WaitList to;
 
-  bool isEmpty() const { return from.isEmpty() && to.isEmpty(); }
+  bool isEmpty() const { return from.count + to.count == 0; }
   std::string text() const;
   /// `tckHertz`: the rate of the board, 0 if it is not known. One of both is not empty.
   Judgement judge(double tckHertz) const;
@@ -74,6 +69,47 @@ struct WaitPair {
  private:
   double missingAt(double rate) const;
   double toleranceAt(double rate) const;
+};
+
+/// Compares the waits of two files, those of a place at a time: between them neither
+/// file enters a state or says anything that both have.
+class WaitComparison {
+ public:
+  /// `tckHertz`: the rate of the board, 0 if it is not known.
+  WaitComparison(double tckHertz, Findings& findings) : tckHertz_{tckHertz}, findings_{findings} {}
+
+  void add(const PlacedWait& wait, bool isConverted);
+  void endPlace();
+  void endGap();  ///< at a scan, and once more at the end of the files
+
+  /// The rate up to which all waits are long enough: kAnyHertz if they do not depend
+  /// on it, 0 if some are too short at each.
+  double holdsUpTo() const { return holdsUpTo_; }
+  void limitTo(double hertz) { holdsUpTo_ = std::min(holdsUpTo_, hertz); }
+
+ private:
+  // Whole waits, or what is missing or left over of some.
+  struct Open {
+    double clocks;
+    WaitPair waits;
+    std::uint64_t gap;
+    bool isWhole() const { return waits.from.count * waits.to.count == 0; }
+  };
+
+  void tell(const WaitPair& pair, const WaitPair::Judgement& judgement);
+  void tell(Difference difference, double size, const WaitPair& pair);
+  void tellMaximum(const WaitPair& pair, const WaitPair::Judgement& judgement);
+  void tellShorter(const WaitPair& pair, const WaitPair::Judgement& judgement);
+  bool isMoved(const Open& lost);
+
+  double tckHertz_;
+  Findings& findings_;
+  std::array<WaitPair, 32> pairs_;  // in each state by each clock
+  bool isEmpty_ = true;             // all of these
+  double holdsUpTo_ = kAnyHertz;
+  std::uint64_t gap_ = 0;
+  std::vector<Open> lost_;  // here and between the two scans before
+  std::vector<Open> extra_;
 };
 
 }  // namespace tapforge_replay
