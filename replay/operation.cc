@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "replay/text_reader.h"
+
 namespace tapforge_replay {
 namespace {
 
@@ -83,6 +85,23 @@ void Reader::note(const std::string& text) {
   if (notes_.size() < kMostNotes && std::find(notes_.begin(), notes_.end(), text) == notes_.end()) {
     notes_.push_back(text);
   }
+}
+
+std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
+  constexpr char kKsvfFirst = 7;  // every file begins with KREPEAT
+  std::string_view ahead = input.window();
+  if (ahead.starts_with(kKsvfFirst)) return makeKsvfReader(input, dataWaits);
+  for (std::size_t at = 0; (at = ahead.find_first_not_of(" \t\r\n")) != ahead.npos;) {
+    ahead.remove_prefix(at);
+    const std::string_view word = ahead.substr(0, ahead.find_first_of(" \t\r\n"));
+    // No word of SVF has a "_", but those of Tcl have one.
+    if (word.starts_with('#') || word == "puts" || word.find('_') != word.npos) {
+      return makeTclReader(input);
+    }
+    if (!word.starts_with('!') && !word.starts_with("//")) break;
+    ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size()));
+  }
+  return makeSvfReader(input);
 }
 
 }  // namespace tapforge_replay

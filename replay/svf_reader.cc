@@ -1,4 +1,6 @@
 
+#include <algorithm>
+
 #include "replay/fault.h"
 #include "replay/text_reader.h"
 
@@ -6,6 +8,9 @@ namespace tapforge_replay {
 namespace {
 
 using Kind = Operation::Kind;
+
+constexpr std::array<std::string_view, Pattern::kNameCount> kValueNames = {"tdi", "tdo", "mask",
+                                                                           "smask"};
 
 class SvfReader final : public TextReader {
  public:
@@ -85,21 +90,16 @@ class SvfReader final : public TextReader {
 
   void requireTdi(const Pattern& pattern, const Place& place) const {
     if (pattern.length == 0 || pattern[Pattern::kTdi].given) return;
-    throw NotPlayable(input_.path(), describe(place) +
-                                         ": TDI is missing; an unmerged copy (tapforge -c) has it "
-                                         "in comments, which no player reads");
+    constexpr const char* kCause = ": TDI is missing, as in an unmerged copy (tapforge -c)";
+    throw NotPlayable(input_.path(), describe(place) + kCause);
   }
 
   void values(Pattern& pattern, const Place& place) {
     while (true) {
       const std::string name(word());
       if (name == ";") return;
-      const auto value = name == "tdi"     ? Pattern::kTdi
-                         : name == "tdo"   ? Pattern::kTdo
-                         : name == "mask"  ? Pattern::kMask
-                         : name == "smask" ? Pattern::kSmask
-                                           : Pattern::kNameCount;
-      if (value == Pattern::kNameCount) {
+      const auto found = std::find(kValueNames.begin(), kValueNames.end(), name);
+      if (found == kValueNames.end()) {
         requireTdi(pattern, place);
         fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
       }
@@ -108,8 +108,7 @@ class SvfReader final : public TextReader {
         while (needWord() != ")") continue;
         continue;
       }
-      readHex(pattern[value].bits, pattern.length, ')');
-      pattern[value].given = true;
+      readValue(pattern, static_cast<std::size_t>(found - kValueNames.begin()), ')');
     }
   }
 

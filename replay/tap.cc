@@ -1,6 +1,8 @@
 #include "replay/tap.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 
 namespace tapforge_replay {
@@ -10,7 +12,6 @@ using enum TapState;
 
 struct StateRule {
   std::string_view name;
-  std::string_view lowerCase;
   TapState onZero;  // TMS 0
   TapState onOne;
 };
@@ -19,22 +20,22 @@ constexpr std::size_t kStateCount = 16;
 
 // clang-format off
 constexpr std::array<StateRule, kStateCount> kStates = {{
-    {"RESET", "reset", kIdle, kReset},
-    {"IDLE", "idle", kIdle, kDrSelect},
-    {"DRSELECT", "drselect", kDrCapture, kIrSelect},
-    {"DRCAPTURE", "drcapture", kDrShift, kDrExit1},
-    {"DRSHIFT", "drshift", kDrShift, kDrExit1},
-    {"DREXIT1", "drexit1", kDrPause, kDrUpdate},
-    {"DRPAUSE", "drpause", kDrPause, kDrExit2},
-    {"DREXIT2", "drexit2", kDrShift, kDrUpdate},
-    {"DRUPDATE", "drupdate", kIdle, kDrSelect},
-    {"IRSELECT", "irselect", kIrCapture, kReset},
-    {"IRCAPTURE", "ircapture", kIrShift, kIrExit1},
-    {"IRSHIFT", "irshift", kIrShift, kIrExit1},
-    {"IREXIT1", "irexit1", kIrPause, kIrUpdate},
-    {"IRPAUSE", "irpause", kIrPause, kIrExit2},
-    {"IREXIT2", "irexit2", kIrShift, kIrUpdate},
-    {"IRUPDATE", "irupdate", kIdle, kDrSelect},
+    {"RESET", kIdle, kReset},
+    {"IDLE", kIdle, kDrSelect},
+    {"DRSELECT", kDrCapture, kIrSelect},
+    {"DRCAPTURE", kDrShift, kDrExit1},
+    {"DRSHIFT", kDrShift, kDrExit1},
+    {"DREXIT1", kDrPause, kDrUpdate},
+    {"DRPAUSE", kDrPause, kDrExit2},
+    {"DREXIT2", kDrShift, kDrUpdate},
+    {"DRUPDATE", kIdle, kDrSelect},
+    {"IRSELECT", kIrCapture, kReset},
+    {"IRCAPTURE", kIrShift, kIrExit1},
+    {"IRSHIFT", kIrShift, kIrExit1},
+    {"IREXIT1", kIrPause, kIrUpdate},
+    {"IRPAUSE", kIrPause, kIrExit2},
+    {"IREXIT2", kIrShift, kIrUpdate},
+    {"IRUPDATE", kIdle, kDrSelect},
 }};
 // clang-format on
 
@@ -77,8 +78,14 @@ constexpr std::array<Ways, kStateCount> kWays = allWays();
 std::string_view nameOf(TapState state) { return kStates[indexOf(state)].name; }
 
 std::optional<TapState> findState(std::string_view name) {
+  const auto isSame = [](char a, char b) {
+    return std::toupper(static_cast<unsigned char>(a)) == b;
+  };
   for (std::size_t i = 0; i < kStateCount; ++i) {
-    if (kStates[i].lowerCase == name) return static_cast<TapState>(i);
+    const std::string_view own = kStates[i].name;
+    if (std::equal(name.begin(), name.end(), own.begin(), own.end(), isSame)) {
+      return static_cast<TapState>(i);
+    }
   }
   return std::nullopt;
 }

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string_view>
 
 #include "replay/fault.h"
@@ -109,13 +108,6 @@ class TclReader final : public TextReader {
     return input_.peek();
   }
 
-  // States are known in capitals and in small letters, commands are not.
-  TapState stateOf(std::string_view name) const {
-    std::string small(name);
-    return state(toLowerCase(small));
-  }
-  TapState needStableState() { return requireStable(stateOf(needArgument())); }
-
   std::string_view needDigits() {
     const std::string_view text = needArgument();
     if (text.find_first_not_of("0123456789") != text.npos) refuse(text);
@@ -167,16 +159,13 @@ class TclReader final : public TextReader {
              const std::array<std::string_view, Pattern::kSmask>& names) {
     const auto found = std::find(names.begin(), names.end(), name);
     if (found == names.end()) refuse(name);
-    Pattern::Value& value = pattern.values[static_cast<std::size_t>(found - names.begin())];
     const int opening = beginWord();
     const bool quoted = opening == '{' || opening == '"';
     if (quoted) input_.skip(1);
-    if (std::isxdigit(input_.peek()) == 0) fail("a value without digits");
-    readHex(value.bits, pattern.length, '\0');
+    readValue(pattern, static_cast<std::size_t>(found - names.begin()), '\0');
     if ((quoted && input_.get() != (opening == '{' ? '}' : '"')) || !endsWord(input_.peek())) {
       fail("a character in a value that is no digit");
     }
-    value.given = true;
   }
 
   void wait(Operation& operation) {
@@ -185,7 +174,7 @@ class TclReader final : public TextReader {
     operation.wait.clocks = 0;
     std::string_view option = needArgument();
     if (option == "-wait") {
-      tap_.setRun(needStableState());
+      tap_.setRun(stableState(needArgument()));
       option = needArgument();
     }
     if (option != "-tck") refuse(option);
@@ -193,7 +182,7 @@ class TclReader final : public TextReader {
       operation.wait.clocks += number(needDigits());
     }
     if (option == "-end_state") {
-      tap_.setRunEnd(needStableState());
+      tap_.setRunEnd(stableState(needArgument()));
     } else if (!option.empty()) {
       refuse(option);
     }
@@ -204,7 +193,7 @@ class TclReader final : public TextReader {
     std::vector<TapState> states;
     std::string_view name = needArgument();
     do {
-      states.push_back(stateOf(name));
+      states.push_back(state(name));
     } while (!(name = argument()).empty());
     finishMove(states, operation);
   }
@@ -216,7 +205,7 @@ class TclReader final : public TextReader {
     const std::string_view what =
         std::string_view(name).substr(std::min<std::size_t>(3, name.size()));
     if (isEnd) {
-      finishEndState(name == "ENDSTATE_IR", needStableState(), operation);
+      finishEndState(name == "ENDSTATE_IR", stableState(needArgument()), operation);
     } else if (piece % 4 == 0) {
       Pattern& pattern =
           joiner_.pattern(piece <= 4, name[0] == 'h' ? ScanJoiner::kHeader : ScanJoiner::kTrailer);

@@ -29,13 +29,6 @@ constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
 
 }  // namespace
 
-std::string& toLowerCase(std::string& text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
 void Pattern::begin(std::size_t newLength) {
   if (newLength != length) {
     for (Value& value : values) value.given = false;
@@ -174,10 +167,13 @@ std::string_view TextReader::word() {
     const std::string_view ahead = input_.window();
     std::size_t count = 0;
     while (count < ahead.size() && kindOf(ahead[count]) == kPlain) ++count;
-    word_ += ahead.substr(0, count);
+    for (const char character : ahead.substr(0, count)) {
+      const bool capital = character >= 'A' && character <= 'Z';
+      word_ += static_cast<char>(capital ? character - 'A' + 'a' : character);
+    }
     input_.skip(count);
     if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
-    if (count < ahead.size() || ahead.empty()) return toLowerCase(word_);
+    if (count < ahead.size() || ahead.empty()) return word_;
   }
 }
 
@@ -194,7 +190,7 @@ void TextReader::expect(std::string_view wanted) {
   }
 }
 
-void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
+void TextReader::readValue(Pattern& pattern, std::size_t name, char closing) {
   digits_.clear();
   std::uint64_t digits = 0;
   unsigned count = 0;
@@ -214,10 +210,10 @@ void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
     any = any || i > 0;
     input_.skip(i);
     if (i == ahead.size() && !ahead.empty()) continue;
-    if (closing == 0 && any) break;
+    if (closing == 0) break;
     const std::uint64_t before = input_.offset();
     const int character = skipBlanks();
-    if (character == closing && character > 0) {
+    if (character == closing) {
       input_.skip(1);
       break;
     }
@@ -233,7 +229,8 @@ void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
     digits_.push_back(digits & ((std::uint64_t{1} << count * 4) - 1));
   }
   if (digits_.size() > (kMostBits >> 6)) fail("a value that is too long");
-  if (!bits.assignDigits(digits_, count, length)) {
+  pattern.values[name].given = true;
+  if (!pattern.values[name].bits.assignDigits(digits_, count, pattern.length)) {
     note("line " + std::to_string(line_) +
          ": a value has bits above its length, which are ignored");
   }
@@ -297,28 +294,6 @@ void TextReader::finishMove(const std::vector<TapState>& path, Operation& move) 
     }
     tap_.moveTo(target, move);
   }
-}
-
-std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
-  constexpr char kKsvfFirst = 7;          // every file begins with KREPEAT
-  constexpr std::size_t kMostStart = 32;  // characters of a line that tell its form
-  std::string_view ahead = input.window();
-  if (ahead.starts_with(kKsvfFirst)) return makeKsvfReader(input, dataWaits);
-  while (!ahead.empty()) {
-    const std::size_t start = ahead.find_first_not_of(" \t\r\n");
-    if (start == std::string_view::npos) break;
-    ahead.remove_prefix(start);
-    const std::size_t end = std::min(ahead.find_first_of("\r\n"), ahead.size());
-    std::string line(ahead.substr(0, std::min(end, kMostStart)));
-    toLowerCase(line);
-    if (line.starts_with('#') || line.starts_with("set_property") || line.starts_with("puts ") ||
-        line.substr(0, line.find(' ')).ends_with("_tapbus")) {
-      return makeTclReader(input);
-    }
-    if (!line.starts_with('!') && !line.starts_with("//")) break;
-    ahead.remove_prefix(end);
-  }
-  return makeSvfReader(input);
 }
 
 }  // namespace tapforge_replay

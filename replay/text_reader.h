@@ -13,9 +13,6 @@
 
 namespace tapforge_replay {
 
-/// Changes capitals A to Z.
-std::string& toLowerCase(std::string& text);
-
 /// What the values of one statement or of a header or trailer are. Values that a
 /// statement leaves out stay while the length stays, but TDO never does.
 struct Pattern {
@@ -105,8 +102,9 @@ class TextReader : public Reader {
   std::string_view needWord();
   void expect(std::string_view wanted);
 
-  /// Reads hex digits up to a mark, or to a blank where the mark is 0.
-  void readHex(Bits& bits, std::size_t length, char closing);
+  /// Reads the hex digits of a value up to a mark, or to what is no digit where the
+  /// mark is 0. Digits of a value before a mark may have blanks between them.
+  void readValue(Pattern& pattern, std::size_t name, char closing);
 
   double number(std::string_view text) const;
   std::size_t length(std::string_view text) const;
@@ -139,10 +137,7 @@ class TextReader : public Reader {
   std::vector<std::uint64_t> digits_;
 };
 
-/// The file as operations; its form is seen from its first characters. `dataWaits`
-/// makes KSVF wait after data scans only, as players of version 2 do.
-std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits);
-
+/// What makeReader() chooses from.
 std::unique_ptr<Reader> makeSvfReader(Input& input);
 std::unique_ptr<Reader> makeTclReader(Input& input);
 std::unique_ptr<Reader> makeKsvfReader(Input& input, bool dataWaits);
