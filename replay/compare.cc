@@ -203,8 +203,9 @@ void Comparison::compareBits() {
     if (bits.count == 0) return;
     findings_.add(difference, static_cast<double>(bits.count), [&] {
       return "scan " + std::to_string(from.number) + ", source " + describe(from.place) +
-             ", converted " + describe(to.place) + ": " + what + std::to_string(bits.count) +
-             (bits.count == 1 ? " bit, bit " : " bits from bit ") + std::to_string(bits.first);
+             ", converted " + describe(to.place) + ": " + what +
+             (bits.count == 1 ? "bit " : std::to_string(bits.count) + " bits from bit ") +
+             std::to_string(bits.first);
     });
   };
   add(Difference::kCare, open, "");

@@ -2,12 +2,10 @@
 #define TAPFORGE_REPLAY_OPERATION_H_
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "replay/bits.h"
-#include "replay/input.h"
 #include "replay/tap.h"
 
 namespace tapforge_replay {
@@ -96,10 +94,6 @@ class Reader {
  private:
   std::vector<std::string> notes_;
 };
-
-/// The file as operations; its form is seen from its first characters. `dataWaits`
-/// makes KSVF wait after data scans only, as players of version 2 do.
-std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits);
 
 /// Text of an operation, of values only the first `mostDigits`.
 std::string describe(const Operation& operation, std::size_t mostDigits);

@@ -14,64 +14,33 @@ struct StateRule {
   std::string_view name;
   TapState onZero;  // TMS 0
   TapState onOne;
+  unsigned toOne;  // bit n: TMS of the first TCK of the shortest way to state n
 };
 
 constexpr std::size_t kStateCount = 16;
 
 // clang-format off
 constexpr std::array<StateRule, kStateCount> kStates = {{
-    {"RESET", kIdle, kReset},
-    {"IDLE", kIdle, kDrSelect},
-    {"DRSELECT", kDrCapture, kIrSelect},
-    {"DRCAPTURE", kDrShift, kDrExit1},
-    {"DRSHIFT", kDrShift, kDrExit1},
-    {"DREXIT1", kDrPause, kDrUpdate},
-    {"DRPAUSE", kDrPause, kDrExit2},
-    {"DREXIT2", kDrShift, kDrUpdate},
-    {"DRUPDATE", kIdle, kDrSelect},
-    {"IRSELECT", kIrCapture, kReset},
-    {"IRCAPTURE", kIrShift, kIrExit1},
-    {"IRSHIFT", kIrShift, kIrExit1},
-    {"IREXIT1", kIrPause, kIrUpdate},
-    {"IRPAUSE", kIrPause, kIrExit2},
-    {"IREXIT2", kIrShift, kIrUpdate},
-    {"IRUPDATE", kIdle, kDrSelect},
+    {"RESET", kIdle, kReset, 0x0001},
+    {"IDLE", kIdle, kDrSelect, 0xfffd},
+    {"DRSELECT", kDrCapture, kIrSelect, 0xfe03},
+    {"DRCAPTURE", kDrShift, kDrExit1, 0xffe7},
+    {"DRSHIFT", kDrShift, kDrExit1, 0xffef},
+    {"DREXIT1", kDrPause, kDrUpdate, 0xff0f},
+    {"DRPAUSE", kDrPause, kDrExit2, 0xffbf},
+    {"DREXIT2", kDrShift, kDrUpdate, 0xff0f},
+    {"DRUPDATE", kIdle, kDrSelect, 0xfefd},
+    {"IRSELECT", kIrCapture, kReset, 0x01ff},
+    {"IRCAPTURE", kIrShift, kIrExit1, 0xf3ff},
+    {"IRSHIFT", kIrShift, kIrExit1, 0xf7ff},
+    {"IREXIT1", kIrPause, kIrUpdate, 0x87ff},
+    {"IRPAUSE", kIrPause, kIrExit2, 0xdfff},
+    {"IREXIT2", kIrShift, kIrUpdate, 0x87ff},
+    {"IRUPDATE", kIdle, kDrSelect, 0x7ffd},
 }};
 // clang-format on
 
 constexpr std::size_t indexOf(TapState state) { return static_cast<std::size_t>(state); }
-
-struct Way {
-  std::array<TapState, 10> states{};  // none is longer than that
-  std::size_t length = 0;
-};
-using Ways = std::array<Way, kStateCount>;
-
-// The shortest ways from one state to all others: a way grows from the shorter one
-// to the state before, and each round finds those that are one TCK longer.
-constexpr Ways waysFrom(std::size_t from) {
-  Ways ways{};
-  for (std::size_t length = 0; length < 10; ++length) {
-    for (std::size_t at = 0; at < kStateCount; ++at) {
-      if (ways[at].length != length || (length == 0 && at != from)) continue;
-      for (const TapState next : {kStates[at].onZero, kStates[at].onOne}) {
-        Way& way = ways[indexOf(next)];
-        if (way.length != 0 || indexOf(next) == from) continue;
-        way = ways[at];
-        way.states[way.length++] = next;
-      }
-    }
-  }
-  return ways;
-}
-
-constexpr std::array<Ways, kStateCount> allWays() {
-  std::array<Ways, kStateCount> all{};
-  for (std::size_t from = 0; from < kStateCount; ++from) all[from] = waysFrom(from);
-  return all;
-}
-
-constexpr std::array<Ways, kStateCount> kWays = allWays();
 
 }  // namespace
 
@@ -103,9 +72,8 @@ bool isOneClock(TapState from, TapState to) {
   return nextState(from, false) == to || nextState(from, true) == to;
 }
 
-std::span<const TapState> wayBetween(TapState from, TapState to) {
-  const Way& way = kWays[indexOf(from)][indexOf(to)];
-  return {way.states.data(), way.length};
+TapState stateTowards(TapState from, TapState to) {
+  return nextState(from, (kStates[indexOf(from)].toOne >> indexOf(to) & 1) != 0);
 }
 
 }  // namespace tapforge_replay

@@ -24,7 +24,7 @@ bool endsWord(int c) { return isBlank(c) || endsCommand(c); }
 // the reading ends with NotPlayable.
 class TclReader final : public TextReader {
  public:
-  explicit TclReader(Input& input) : TextReader(input, "") {}
+  using TextReader::TextReader;
 
   std::string_view form() const override { return "Tcl"; }
 
@@ -162,7 +162,8 @@ class TclReader final : public TextReader {
     const int opening = beginWord();
     const bool quoted = opening == '{' || opening == '"';
     if (quoted) input_.skip(1);
-    readValue(pattern, static_cast<std::size_t>(found - names.begin()), '\0');
+    readDigits();
+    finishValue(pattern.values[static_cast<std::size_t>(found - names.begin())], pattern.length);
     if ((quoted && input_.get() != (opening == '{' ? '}' : '"')) || !endsWord(input_.peek())) {
       fail("a character in a value that is no digit");
     }

@@ -78,33 +78,19 @@ class TapFollower {
   TapState runEnd_ = TapState::kIdle;
 };
 
-/// What the readers of SVF and of Tcl have in common: characters, words, values.
+/// What the readers of SVF and of Tcl have in common: numbers, values, states.
 class TextReader : public Reader {
+ public:
+  explicit TextReader(Input& input) : input_{input} {}
+
  protected:
-  /// `commentStarts`: characters that may begin a comment, and so end a word.
-  TextReader(Input& input, std::string_view commentStarts);
-
-  /// Skips the comment that such a character, not read yet, begins, up to its
-  /// line end.
-  virtual void skipComment() {}
-
-  /// Past blanks, line ends and comments. Returns the next character or -1.
-  int skipBlanks();
-  /// To the end of the line, which is not read.
-  void skipLine();
   void countLine(int character);
 
-  /// The next word in lower case: up to a blank, a comment or one of ();{}.
-  /// Such a mark is a word of its own. Empty at the end of the file. It holds
-  /// until the next word is read.
-  std::string_view word();
-  /// As word(), but it must be there.
-  std::string_view needWord();
-  void expect(std::string_view wanted);
-
-  /// Reads the hex digits of a value up to a mark, or to what is no digit where the
-  /// mark is 0. Digits of a value before a mark may have blanks between them.
-  void readValue(Pattern& pattern, std::size_t name, char closing);
+  /// Reads the hex digits from here on, which may go on behind what divides them.
+  /// Returns whether there are any.
+  bool readDigits();
+  /// Makes a value of the digits read since the last one.
+  void finishValue(Pattern::Value& value, std::size_t length);
 
   double number(std::string_view text) const;
   std::size_t length(std::string_view text) const;
@@ -126,18 +112,21 @@ class TextReader : public Reader {
   std::uint64_t line_ = 1;
   ScanJoiner joiner_;
   TapFollower tap_;
-  std::uint64_t scans_ = 0;
 
  private:
-  enum CharKind : std::uint8_t { kPlain, kBlank, kMark, kComment };
-  CharKind kindOf(int character) const { return kinds_[static_cast<unsigned char>(character)]; }
+  template <typename Number>
+  Number parse(std::string_view text, Number most, const char* what) const;
 
-  std::array<CharKind, 256> kinds_{};
-  std::string word_;
-  std::vector<std::uint64_t> digits_;
+  std::uint64_t scans_ = 0;
+  std::vector<std::uint64_t> digits_;  // of a value, sixteen in a word,
+  std::uint64_t rest_ = 0;             // and those that do not fill one yet
+  unsigned restCount_ = 0;
 };
 
-/// What makeReader() chooses from.
+/// The file as operations; its form is seen from its first characters. `dataWaits`
+/// makes KSVF wait after data scans only, as players of version 2 do.
+std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits);
+
 std::unique_ptr<Reader> makeSvfReader(Input& input);
 std::unique_ptr<Reader> makeTclReader(Input& input);
 std::unique_ptr<Reader> makeKsvfReader(Input& input, bool dataWaits);

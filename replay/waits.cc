@@ -134,8 +134,10 @@ void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
     tell(both, judgement);
     return true;
   };
-  const auto found = std::find_if(others.first.begin(), others.first.end(), goesWith);
-  if (found == others.first.end()) {
+  const bool isAll = others.count == others.first.size();  // or none can be told
+  const auto end = others.first.end();
+  const auto found = isAll ? std::find_if(others.first.begin(), end, goesWith) : end;
+  if (found == end) {
     (isConverted ? pair.to : pair.from).add(wait, isConverted);
   } else {
     others.first.erase(found);
