@@ -11,6 +11,7 @@
 #include <new>
 #include <optional>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,15 +82,12 @@ std::uint64_t numberOf(std::string_view option, std::string_view text) {
   return number;
 }
 
-void allow(std::string_view names, Options& options) {
-  while (!names.empty()) {
-    const std::string_view name = names.substr(0, names.find(','));
+void allow(const std::string& names, Options& options) {
+  std::istringstream stream(names);
+  for (std::string name; std::getline(stream, name, ',');) {
     const auto difference = findDifference(name);
-    if (!difference) {
-      throw Fault("-allow cannot take the class \"" + std::string(name) + "\"; see --help");
-    }
+    if (!difference) throw Fault("-allow cannot take the class \"" + name + "\"; see --help");
     options.allowed.insert(*difference);
-    names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
 }
 
@@ -97,10 +95,8 @@ std::string helpText() {
   std::string text(kHelp);
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
     const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless               ? "    "
-                : findDifference(rule.name) ? "  * "
-                                            : "  ! ")
-        .append(rule.name);
+    const bool fatal = !findDifference(rule.name);
+    text.append(rule.harmless ? "    " : fatal ? "  ! " : "  * ").append(rule.name);
     text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
   }
   return text;
@@ -158,7 +154,16 @@ class Progress {
  public:
   explicit Progress(Input& input) {
     if (!isTerminal(stderr)) return;
-    input.onBlock = [this](const Input& at) { show(at); };
+    input.onBlock = [this](const Input& at) {
+      const auto now = Clock::now();
+      if (now - last_ < std::chrono::milliseconds(500)) return;
+      last_ = now;
+      shown_ = true;
+      const std::uint64_t done = at.offset();
+      std::string text = "\r\033[K" + at.path() + ": " + std::to_string(done / 1000000) + " MB";
+      if (at.size() > 0) text += ", " + std::to_string(done * 100 / at.size()) + " %";
+      std::fputs(text.c_str(), stderr);
+    };
   }
   ~Progress() {
     if (shown_) std::fputs("\r\033[K", stderr);
@@ -166,17 +171,6 @@ class Progress {
 
  private:
   using Clock = std::chrono::steady_clock;
-
-  void show(const Input& input) {
-    const auto now = Clock::now();
-    if (now - last_ < std::chrono::milliseconds(500)) return;
-    last_ = now;
-    shown_ = true;
-    const std::uint64_t done = input.offset();
-    std::string text = "\r\033[K" + input.path() + ": " + std::to_string(done / 1000000) + " MB";
-    if (input.size() > 0) text += ", " + std::to_string(done * 100 / input.size()) + " %";
-    std::fputs(text.c_str(), stderr);
-  }
 
   Clock::time_point last_ = Clock::now();
   bool shown_ = false;
