@@ -89,10 +89,9 @@ class KsvfReader final : public Reader {
     if (!scanning_) place_.offset = input_.offset();
     ksvf_step(player_.get());
     longest_ = std::max({longest_, player_->bits, player_->data_bits});
-    place_.end = input_.offset();
     if (player_->result > KSVF_DONE) fail();
     if (player_->result == KSVF_DONE && input_.peek() >= 0) {
-      throw Fault(input_.path() + ": byte " + std::to_string(place_.end) +
+      throw Fault(input_.path() + ": byte " + std::to_string(input_.offset()) +
                   ": something follows KCOMPLETE");
     }
     if (scanning_) return;  // records are still to come

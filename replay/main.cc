@@ -11,6 +11,7 @@
 #include <new>
 #include <optional>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,7 +47,7 @@ A FILE of - is standard input.
 -width N          cut the lines of a list after N characters
 -strict           any difference gives status 1
 -allow CLASS,...  these differences do not give status 1
--tck_freq N       Hz by which times became clocks, and at which a board runs
+-tck_freq N       Hz at which the board clocks (default: the source's FREQUENCY)
 -v2               KSVF waits after data scans only, as players of version 2 do
 -h, --help        this text
 --version         the version
@@ -68,8 +69,7 @@ struct Options {
   std::set<Difference> allowed;
   double tckHertz = 0;
   bool dataWaits = false;
-  bool help = false;
-  bool version = false;
+  std::string text;  // to be shown in place of a file
 };
 
 std::uint64_t numberOf(std::string_view option, std::string_view text) {
@@ -82,16 +82,24 @@ std::uint64_t numberOf(std::string_view option, std::string_view text) {
   return number;
 }
 
-void allow(std::string_view names, Options& options) {
-  while (!names.empty()) {
-    const std::string_view name = names.substr(0, names.find(','));
+void allow(const std::string& names, Options& options) {
+  std::istringstream stream(names);
+  for (std::string name; std::getline(stream, name, ',');) {
     const auto difference = findDifference(name);
-    if (!difference) {
-      throw Fault("-allow cannot take the class \"" + std::string(name) + "\"; see --help");
-    }
+    if (!difference) throw Fault("-allow cannot take the class \"" + name + "\"; see --help");
     options.allowed.insert(*difference);
-    names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
+}
+
+std::string helpText() {
+  std::string text(kHelp);
+  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
+    const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
+    const bool fatal = !findDifference(rule.name);
+    text.append(rule.harmless ? "    " : fatal ? "  ! " : "  * ").append(rule.name);
+    text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
+  }
+  return text;
 }
 
 Options parse(const std::vector<std::string>& arguments) {
@@ -105,15 +113,15 @@ Options parse(const std::vector<std::string>& arguments) {
   const auto number = [&] { return numberOf(name, value()); };
   const std::map<std::string_view, std::function<void()>> known = {
       {"allow", [&] { allow(value(), options); }},
-      {"h", [&] { options.help = true; }},
-      {"help", [&] { options.help = true; }},
+      {"h", [&] { options.text = helpText(); }},
+      {"help", [&] { options.text = helpText(); }},
       {"scan", [&] { options.scan = number(); }},
       {"strict", [&] { options.strict = true; }},
       {"summary", [&] { options.summary = true; }},
       {"tck_freq", [&] { options.tckHertz = static_cast<double>(number()); }},
       {"v2", [&] { options.dataWaits = true; }},
       {"vcd", [&] { options.vcd = value(); }},
-      {"version", [&] { options.version = true; }},
+      {"version", [&] { options.text = "tapforge-replay " TAPFORGE_VERSION "\n"; }},
       {"w", [&] { options.overwrite = true; }},
       {"width", [&] { options.width = static_cast<std::size_t>(number()); }},
   };
@@ -130,7 +138,7 @@ Options parse(const std::vector<std::string>& arguments) {
       found->second();
     }
   }
-  if (options.help || options.version) return options;
+  if (!options.text.empty()) return options;
   if (options.files.empty() || options.files.size() > 2) {
     throw Fault("one file to show or two to compare are needed; see --help");
   }
@@ -141,25 +149,21 @@ Options parse(const std::vector<std::string>& arguments) {
   return options;
 }
 
-std::string helpText() {
-  std::string text(kHelp);
-  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
-    const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless               ? "    "
-                : findDifference(rule.name) ? "  * "
-                                            : "  ! ")
-        .append(rule.name);
-    text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
-  }
-  return text;
-}
-
 // A line on a terminal that says how far a long play has come.
 class Progress {
  public:
   explicit Progress(Input& input) {
     if (!isTerminal(stderr)) return;
-    input.onBlock = [this](const Input& at) { show(at); };
+    input.onBlock = [this](const Input& at) {
+      const auto now = Clock::now();
+      if (now - last_ < std::chrono::milliseconds(500)) return;
+      last_ = now;
+      shown_ = true;
+      const std::uint64_t done = at.offset();
+      std::string text = "\r\033[K" + at.path() + ": " + std::to_string(done / 1000000) + " MB";
+      if (at.size() > 0) text += ", " + std::to_string(done * 100 / at.size()) + " %";
+      std::fputs(text.c_str(), stderr);
+    };
   }
   ~Progress() {
     if (shown_) std::fputs("\r\033[K", stderr);
@@ -167,17 +171,6 @@ class Progress {
 
  private:
   using Clock = std::chrono::steady_clock;
-
-  void show(const Input& input) {
-    const auto now = Clock::now();
-    if (now - last_ < std::chrono::milliseconds(500)) return;
-    last_ = now;
-    shown_ = true;
-    const std::uint64_t done = input.offset();
-    std::string text = "\r\033[K" + input.path() + ": " + std::to_string(done / 1000000) + " MB";
-    if (input.size() > 0) text += ", " + std::to_string(done * 100 / input.size()) + " %";
-    std::fputs(text.c_str(), stderr);
-  }
 
   Clock::time_point last_ = Clock::now();
   bool shown_ = false;
@@ -246,11 +239,8 @@ int run(const std::vector<std::string>& arguments) {
   Output output;
   int status = kSame;
   try {
-    if (options.help) {
-      output << helpText();
-    } else if (options.version) {
-      output << "tapforge-replay " TAPFORGE_VERSION "\n";
-    } else {
+    output << options.text;
+    if (options.text.empty()) {
       status = options.files.size() == 1 ? show(options, output) : compare(options, output);
     }
     output.close();

@@ -14,7 +14,6 @@ namespace tapforge_replay {
 struct Place {
   std::uint64_t line = 0;    ///< from 1; 0 in a binary file
   std::uint64_t offset = 0;  ///< bytes before its first one
-  std::uint64_t end = 0;     ///< bytes before what follows it
 };
 
 /// "line 12" or, in a binary file, "byte 77".

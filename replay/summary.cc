@@ -79,27 +79,22 @@ void writeSummary(Reader& reader, double tckHertz, Output& output) {
   Operation operation;
   while (reader.next(operation), operation.kind != Kind::kEnd) sum.add(operation, tckHertz > 0);
 
-  const auto line = [&output](std::string text, const std::string& value) {
-    text.resize(18, ' ');
-    output << text + value + "\n";
-  };
   const auto scans = [&sum](std::size_t i) {
     return std::to_string(sum.scans[i]) + ", longest " + std::to_string(sum.longest[i]) + " bits";
   };
   const std::size_t vector = reader.longestVector();
-  line("form:", std::string(reader.form()));
-  line("IR scans:", scans(1));
-  line("DR scans:", scans(0));
-  line("KSVF_MAX_BITS:",
-       std::to_string(vector > 0 ? vector : std::max(sum.longest[0], sum.longest[1])));
-  line("clocks:", numberOr("", sum.clocks, " TCK"));
-  line("waits:", std::to_string(sum.waits) + ", of " + numberOr("", sum.counts[0], " TCK, ") +
-                     numberOr("", sum.counts[1], " SCK, ") + numberOr("", sum.seconds, " SEC"));
-  line("lowest FREQUENCY:", numberOr("none", sum.lowestHertz, " Hz"));
-  line("time:", numberOr("unknown without -tck_freq", sum.time, " s"));
   std::string extras;
   for (const std::string_view extra : sum.extras) extras.append(" ").append(extra);
-  line("extras:", extras.empty() ? "none" : extras.substr(1));
+  output << "form:             " << reader.form() << "\nIR scans:         " << scans(1)
+         << "\nDR scans:         " << scans(0) << "\nKSVF_MAX_BITS:    "
+         << std::to_string(vector > 0 ? vector : std::max(sum.longest[0], sum.longest[1]))
+         << "\nclocks:           " << numberOr("", sum.clocks, " TCK")
+         << "\nwaits:            " << std::to_string(sum.waits) << ", of "
+         << numberOr("", sum.counts[0], " TCK, ") << numberOr("", sum.counts[1], " SCK, ")
+         << numberOr("", sum.seconds, " SEC")
+         << "\nlowest FREQUENCY: " << numberOr("none", sum.lowestHertz, " Hz")
+         << "\ntime:             " << numberOr("unknown without -tck_freq", sum.time, " s")
+         << "\nextras:           " << (extras.empty() ? "none" : extras.substr(1)) << "\n";
 }
 
 }  // namespace tapforge_replay

@@ -81,10 +81,12 @@ class SvfReader final : public TextReader {
       const std::string_view ahead = input_.window();
       std::size_t count = 0;
       while (count < ahead.size() && kindOf(ahead[count]) == kPlain) ++count;
-      word_ += ahead.substr(0, count);
+      for (const char c : ahead.substr(0, count)) {
+        word_ += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+      }
       input_.skip(count);
       if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
-      if (count < ahead.size() || ahead.empty()) return toLowerCase(word_);
+      if (count < ahead.size() || ahead.empty()) return word_;
     }
   }
   const std::string& needWord() {
@@ -167,9 +169,8 @@ class SvfReader final : public TextReader {
 
   void requireTdi(const Pattern& pattern, const Place& place) const {
     if (pattern.length == 0 || pattern[Pattern::kTdi].given) return;
-    throw NotPlayable(input_.path(), describe(place) +
-                                         ": TDI is missing; an unmerged copy (tapforge -c) has it "
-                                         "in comments, which no player reads");
+    constexpr const char* kCause = ": TDI is missing, as in an unmerged copy (tapforge -c)";
+    throw NotPlayable(input_.path(), describe(place) + kCause);
   }
 
   void runTest(Operation& operation) {

@@ -1,6 +1,8 @@
 #include "replay/tap.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 
 namespace tapforge_replay {
@@ -10,7 +12,6 @@ using enum TapState;
 
 struct StateRule {
   std::string_view name;
-  std::string_view lowerCase;
   TapState onZero;  // TMS 0
   TapState onOne;
   unsigned toOne;  // bit n: TMS of the first TCK of the shortest way to state n
@@ -20,22 +21,22 @@ constexpr std::size_t kStateCount = 16;
 
 // clang-format off
 constexpr std::array<StateRule, kStateCount> kStates = {{
-    {"RESET", "reset", kIdle, kReset, 0x0001},
-    {"IDLE", "idle", kIdle, kDrSelect, 0xfffd},
-    {"DRSELECT", "drselect", kDrCapture, kIrSelect, 0xfe03},
-    {"DRCAPTURE", "drcapture", kDrShift, kDrExit1, 0xffe7},
-    {"DRSHIFT", "drshift", kDrShift, kDrExit1, 0xffef},
-    {"DREXIT1", "drexit1", kDrPause, kDrUpdate, 0xff0f},
-    {"DRPAUSE", "drpause", kDrPause, kDrExit2, 0xffbf},
-    {"DREXIT2", "drexit2", kDrShift, kDrUpdate, 0xff0f},
-    {"DRUPDATE", "drupdate", kIdle, kDrSelect, 0xfefd},
-    {"IRSELECT", "irselect", kIrCapture, kReset, 0x01ff},
-    {"IRCAPTURE", "ircapture", kIrShift, kIrExit1, 0xf3ff},
-    {"IRSHIFT", "irshift", kIrShift, kIrExit1, 0xf7ff},
-    {"IREXIT1", "irexit1", kIrPause, kIrUpdate, 0x87ff},
-    {"IRPAUSE", "irpause", kIrPause, kIrExit2, 0xdfff},
-    {"IREXIT2", "irexit2", kIrShift, kIrUpdate, 0x87ff},
-    {"IRUPDATE", "irupdate", kIdle, kDrSelect, 0x7ffd},
+    {"RESET", kIdle, kReset, 0x0001},
+    {"IDLE", kIdle, kDrSelect, 0xfffd},
+    {"DRSELECT", kDrCapture, kIrSelect, 0xfe03},
+    {"DRCAPTURE", kDrShift, kDrExit1, 0xffe7},
+    {"DRSHIFT", kDrShift, kDrExit1, 0xffef},
+    {"DREXIT1", kDrPause, kDrUpdate, 0xff0f},
+    {"DRPAUSE", kDrPause, kDrExit2, 0xffbf},
+    {"DREXIT2", kDrShift, kDrUpdate, 0xff0f},
+    {"DRUPDATE", kIdle, kDrSelect, 0xfefd},
+    {"IRSELECT", kIrCapture, kReset, 0x01ff},
+    {"IRCAPTURE", kIrShift, kIrExit1, 0xf3ff},
+    {"IRSHIFT", kIrShift, kIrExit1, 0xf7ff},
+    {"IREXIT1", kIrPause, kIrUpdate, 0x87ff},
+    {"IRPAUSE", kIrPause, kIrExit2, 0xdfff},
+    {"IREXIT2", kIrShift, kIrUpdate, 0x87ff},
+    {"IRUPDATE", kIdle, kDrSelect, 0x7ffd},
 }};
 // clang-format on
 
@@ -46,8 +47,14 @@ constexpr std::size_t indexOf(TapState state) { return static_cast<std::size_t>(
 std::string_view nameOf(TapState state) { return kStates[indexOf(state)].name; }
 
 std::optional<TapState> findState(std::string_view name) {
+  const auto isSame = [](char a, char b) {
+    return std::toupper(static_cast<unsigned char>(a)) == b;
+  };
   for (std::size_t i = 0; i < kStateCount; ++i) {
-    if (kStates[i].lowerCase == name) return static_cast<TapState>(i);
+    const std::string_view own = kStates[i].name;
+    if (std::equal(name.begin(), name.end(), own.begin(), own.end(), isSame)) {
+      return static_cast<TapState>(i);
+    }
   }
   return std::nullopt;
 }

@@ -18,7 +18,7 @@ enum class TapState : std::uint8_t {
 /// Upper case, as SVF spells it.
 std::string_view nameOf(TapState state);
 
-/// The state of a lower-case name.
+/// The state of a name, in capitals or in small letters.
 std::optional<TapState> findState(std::string_view name);
 
 /// Reset, idle and the two pause states, in which the TAP can wait.

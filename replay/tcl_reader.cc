@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string_view>
 
 #include "replay/fault.h"
@@ -12,16 +11,17 @@ namespace {
 
 using Kind = Operation::Kind;
 
-constexpr char kEndOfScript = '\x1A';     // for the command "source"
 constexpr std::size_t kMostWord = 10000;  // characters of a word that is no value
 
 bool isBlank(int c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 bool isLineEnd(int c) { return c == '\n' || c == '\r'; }
 bool endsCommand(int c) { return c < 0 || c == ';' || isLineEnd(c); }
+bool endsWord(int c) { return isBlank(c) || endsCommand(c); }
 
-// Reads a script of tapbus commands as a Tcl shell does. The reading ends with
-// NotPlayable where the shell would put something else in the place of a word, or
-// where a command would get an argument that it does not have.
+// Reads a script of tapbus commands as a Tcl shell does. No argument of these commands
+// has a character that is special in Tcl, so where a shell would put something else in
+// the place of a word, or go on over a line end, the word is none that is known, and
+// the reading ends with NotPlayable.
 class TclReader final : public TextReader {
  public:
   using TextReader::TextReader;
@@ -51,9 +51,6 @@ class TclReader final : public TextReader {
   [[noreturn]] void failAsMerged() const {
     fail("a merged script (tapforge -tapbus without -c), which no Tcl shell runs");
   }
-  [[noreturn]] void failAtEndOfScript() const {
-    fail("a Tcl shell reads no further than the byte 0x1a");
-  }
 
   // Past all that stands between commands; false at the end of the file.
   bool beginCommand() {
@@ -71,42 +68,34 @@ class TclReader final : public TextReader {
     return false;
   }
 
-  // A backslash makes a line end, or another backslash, a part of the remark.
+  // A backslash makes the line end behind it a part of the remark.
   void skipRemark() {
-    for (int c = 0; (c = input_.peek()) >= 0 && !isLineEnd(c);) {
-      const std::string_view ahead = input_.window();
-      const std::size_t plain = ahead.find_first_of("\r\n\\\x1A");
-      input_.skip(std::min(plain, ahead.size()));
-      if (plain == ahead.npos || isLineEnd(input_.peek())) continue;
-      if (input_.get() == kEndOfScript) failAtEndOfScript();
-      c = input_.peek();
-      if (c != '\\' && !isLineEnd(c)) continue;
+    bool escaped = false;
+    for (int c = 0; (c = input_.peek()) >= 0 && (escaped || !isLineEnd(c));) {
+      if (c == '\x1A') fail("a Tcl shell reads no further than the byte 0x1a");
+      const std::uint64_t line = line_;
       input_.skip(1);
-      if (c == '\\') continue;
-      if (c == '\r' && input_.peek() == '\n') input_.skip(1);
-      note("line " + std::to_string(line_++) + ": the comment takes the next line with it");
+      countLine(c);
+      if (line != line_) {
+        note("line " + std::to_string(line) + ": the comment takes the next line with it");
+      }
+      escaped = escaped ? c == '\r' && input_.peek() == '\n' : c == '\\';
     }
   }
 
-  // The next word of the command as the command gets it; empty at its end. It holds
-  // until the next one is read.
+  // The next word of the command, without quotes or braces around it; empty at its end.
+  // It holds until the next one is read.
   std::string_view argument() {
+    beginWord();
     argument_.clear();
-    const int closing = openWord();
-    while (!closeWord(closing)) {
-      const int c = input_.get();
-      if (c == kEndOfScript) failAtEndOfScript();
-      if (c < 0 || isLineEnd(c)) fail("a word goes on over the end of its line");
-      const bool isVariable = c == '$' && closing == 0 && argument_.empty();
-      if (c == '\\' || c == '[' || (c == '$' && !isVariable)) {
-        fail(std::string("a Tcl shell substitutes what begins with \"") + static_cast<char>(c) +
-             '"');
-      }
-      argument_ += static_cast<char>(c);
-      if (argument_.size() > kMostWord) fail("a word that is too long");
+    while (!endsWord(input_.peek()) && argument_.size() < kMostWord) {
+      argument_ += static_cast<char>(input_.get());
     }
-    if (closing != 0 && argument_.empty()) fail("an empty word");
-    return argument_;
+    const std::string_view word = argument_;
+    const bool quoted = (word.starts_with('{') && word.ends_with('}')) ||
+                        (word.starts_with('"') && word.ends_with('"'));
+    if (!quoted || word.size() < 3 || word.find('$') != word.npos) return word;
+    return word.substr(1, word.size() - 2);
   }
   std::string_view needArgument() {
     const std::string_view next = argument();
@@ -114,31 +103,10 @@ class TclReader final : public TextReader {
     return next;
   }
 
-  // Past the blanks before a word and the mark that opens it. Returns the mark that
-  // has to close it, or 0.
-  int openWord() {
+  int beginWord() {
     while (isBlank(input_.peek())) input_.skip(1);
-    const int opening = input_.peek();
-    if (opening != '{' && opening != '"') return 0;
-    input_.skip(1);
-    return opening == '{' ? '}' : opening;
+    return input_.peek();
   }
-  bool closeWord(int closing) {
-    if (closing != 0) {
-      if (input_.peek() != closing) return false;
-      input_.skip(1);
-    }
-    const bool ends = isBlank(input_.peek()) || endsCommand(input_.peek());
-    if (closing != 0 && !ends) fail("characters behind a closing quote or brace");
-    return ends;
-  }
-
-  // States are known in capitals and in small letters, commands are not.
-  TapState stateOf(std::string_view name) const {
-    std::string small(name);
-    return state(toLowerCase(small));
-  }
-  TapState needStableState() { return requireStable(stateOf(needArgument())); }
 
   std::string_view needDigits() {
     const std::string_view text = needArgument();
@@ -162,10 +130,10 @@ class TclReader final : public TextReader {
       isOperation = property(operation);
     } else if (command_ == "puts") {
       isOperation = false;
-      const std::string_view text = needArgument();
-      constexpr std::string_view kMarker = "--- line ";
-      const std::size_t digits = text.starts_with(kMarker) ? kMarker.size() : 0;
-      if (text.find_first_not_of("0123456789", digits) != text.npos) refuse(text);
+      if (needArgument() != "\"---" || needArgument() != "line") refuse(argument_);
+      const std::string_view number = needArgument();
+      if (number.find_first_not_of("0123456789") != number.size() - 1) refuse(number);
+      if (number.back() != '"') refuse(number);
     } else {
       refuse(command_);
     }
@@ -191,11 +159,14 @@ class TclReader final : public TextReader {
              const std::array<std::string_view, Pattern::kSmask>& names) {
     const auto found = std::find(names.begin(), names.end(), name);
     if (found == names.end()) refuse(name);
-    Pattern::Value& value = pattern.values[static_cast<std::size_t>(found - names.begin())];
-    const int closing = openWord();
+    const int opening = beginWord();
+    const bool quoted = opening == '{' || opening == '"';
+    if (quoted) input_.skip(1);
     readDigits();
-    finishValue(value, pattern.length);
-    if (!closeWord(closing)) fail("a character in a value that is no digit");
+    finishValue(pattern.values[static_cast<std::size_t>(found - names.begin())], pattern.length);
+    if ((quoted && input_.get() != (opening == '{' ? '}' : '"')) || !endsWord(input_.peek())) {
+      fail("a character in a value that is no digit");
+    }
   }
 
   void wait(Operation& operation) {
@@ -204,7 +175,7 @@ class TclReader final : public TextReader {
     operation.wait.clocks = 0;
     std::string_view option = needArgument();
     if (option == "-wait") {
-      tap_.setRun(needStableState());
+      tap_.setRun(stableState(needArgument()));
       option = needArgument();
     }
     if (option != "-tck") refuse(option);
@@ -212,7 +183,7 @@ class TclReader final : public TextReader {
       operation.wait.clocks += number(needDigits());
     }
     if (option == "-end_state") {
-      tap_.setRunEnd(needStableState());
+      tap_.setRunEnd(stableState(needArgument()));
     } else if (!option.empty()) {
       refuse(option);
     }
@@ -223,7 +194,7 @@ class TclReader final : public TextReader {
     std::vector<TapState> states;
     std::string_view name = needArgument();
     do {
-      states.push_back(stateOf(name));
+      states.push_back(state(name));
     } while (!(name = argument()).empty());
     finishMove(states, operation);
   }
@@ -235,7 +206,7 @@ class TclReader final : public TextReader {
     const std::string_view what =
         std::string_view(name).substr(std::min<std::size_t>(3, name.size()));
     if (isEnd) {
-      finishEndState(name == "ENDSTATE_IR", needStableState(), operation);
+      finishEndState(name == "ENDSTATE_IR", stableState(needArgument()), operation);
     } else if (piece % 4 == 0) {
       Pattern& pattern =
           joiner_.pattern(piece <= 4, name[0] == 'h' ? ScanJoiner::kHeader : ScanJoiner::kTrailer);

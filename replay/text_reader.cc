@@ -27,13 +27,6 @@ constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
 
 }  // namespace
 
-std::string& toLowerCase(std::string& text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
 void Pattern::begin(std::size_t newLength) {
   if (newLength != length) {
     for (Value& value : values) value.given = false;
@@ -219,23 +212,18 @@ void TextReader::finishMove(const std::vector<TapState>& path, Operation& move) 
 }
 
 std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
-  constexpr char kKsvfFirst = 7;          // every file begins with KREPEAT
-  constexpr std::size_t kMostStart = 32;  // characters of a line that tell its form
+  constexpr char kKsvfFirst = 7;  // every file begins with KREPEAT
   std::string_view ahead = input.window();
   if (ahead.starts_with(kKsvfFirst)) return makeKsvfReader(input, dataWaits);
-  while (!ahead.empty()) {
-    const std::size_t start = ahead.find_first_not_of(" \t\r\n");
-    if (start == std::string_view::npos) break;
-    ahead.remove_prefix(start);
-    const std::size_t end = std::min(ahead.find_first_of("\r\n"), ahead.size());
-    std::string line(ahead.substr(0, std::min(end, kMostStart)));
-    toLowerCase(line);
-    if (line.starts_with('#') || line.starts_with("set_property") || line.starts_with("puts ") ||
-        line.substr(0, line.find(' ')).ends_with("_tapbus")) {
+  for (std::size_t at = 0; (at = ahead.find_first_not_of(" \t\r\n")) != ahead.npos;) {
+    ahead.remove_prefix(at);
+    const std::string_view word = ahead.substr(0, ahead.find_first_of(" \t\r\n"));
+    // No word of SVF has a "_", but those of Tcl have one.
+    if (word.starts_with('#') || word == "puts" || word.find('_') != word.npos) {
       return makeTclReader(input);
     }
-    if (!line.starts_with('!') && !line.starts_with("//")) break;
-    ahead.remove_prefix(end);
+    if (!word.starts_with('!') && !word.starts_with("//")) break;
+    ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size()));
   }
   return makeSvfReader(input);
 }

@@ -13,9 +13,6 @@
 
 namespace tapforge_replay {
 
-/// Changes capitals A to Z.
-std::string& toLowerCase(std::string& text);
-
 /// What the values of one statement or of a header or trailer are. Values that a
 /// statement leaves out stay while the length stays, but TDO never does.
 struct Pattern {

@@ -52,11 +52,11 @@ class Drawer {
     pins_ << "$comment Pins of a TAP, as tapforge-replay plays a file. $end\n$timescale 1" +
                  std::string(unit % 3, '0') + " " + kNames[unit / 3] +
                  " $end\n$scope module tap $end\n";
-    for (const char* const signal : {"c tck", "m tms", "i tdi", "o tdo_expected", "e compare",
-                                     "r trst", "I shift_ir", "D shift_dr"}) {
+    for (const char* const signal :
+         {"c tck", "m tms", "i tdi", "o tdo_expected", "e compare", "r trst"}) {
       pins_ << "$var wire 1 " + std::string(signal) + " $end\n";
     }
-    pins_ << "$upscope $end\n$enddefinitions $end\n#0\n1c\n1m\n1i\nxo\n0e\n0I\n0D\n" +
+    pins_ << "$upscope $end\n$enddefinitions $end\n#0\n1c\n1m\n1i\nxo\n0e\n" +
                  std::string(1, trst_) + "r\n";
     pass(0.5);
     walk(std::vector<TapState>(5, TapState::kReset));
@@ -82,10 +82,6 @@ class Drawer {
     }
     pass(0.5);
     text += now() + "1c\n";
-    for (const TapState shift : {TapState::kIrShift, TapState::kDrShift}) {
-      if ((next == shift) == (state_ == shift)) continue;
-      text.append({next == shift ? '1' : '0', shift == TapState::kIrShift ? 'I' : 'D', '\n'});
-    }
     pass(0.5);
     levels_ = levels;
     state_ = next;
