@@ -120,21 +120,25 @@ void Comparison::compareStates() {
 void Comparison::compareSettings() {
   const Operation& from = source_.operation;
   const Operation& to = converted_.operation;
-  const bool isSame = from.kind == Kind::kFrequency ? from.hertz == to.hertz : from.word == to.word;
-  const bool isBoth = source_.kind == converted_.kind && from.kind == to.kind && isSame;
-  const bool isLost = source_.kind == Step::kSetting;
+  const bool isKind = source_.kind == converted_.kind && from.kind == to.kind;
+  const bool isSame =
+      isKind && (from.kind == Kind::kFrequency ? from.hertz == to.hertz : from.word == to.word);
+  const bool isBoth = isSame || (isKind && waits_.isEven());
+  const bool isLost = source_.kind == Step::kSetting && !isBoth;
   const Operation& setting = isLost ? from : to;
-  isResetUsed_ = isResetUsed_ || (setting.kind == Kind::kResetLine && setting.word == "on");
-  if (isBoth) {
-    waits_.endPlace();
-  } else if (setting.kind != Kind::kFrequency) {  // which is compared where it is in force
+  const auto isOn = [](const Operation& operation) {
+    return operation.kind == Kind::kResetLine && operation.word == "on";
+  };
+  isResetUsed_ = isResetUsed_ || isOn(setting) || (isBoth && isOn(from));
+  if (isBoth) waits_.endPlace();
+  if (!isSame && setting.kind != Kind::kFrequency) {  // which is compared where it is in force
     tell(setting.kind == Kind::kParallelIo ? Difference::kParallelIo
          : isResetUsed_                    ? Difference::kResetLine
                                            : Difference::kResetLineOff,
-         isLost ? source_.text() : kNowhere, isLost ? kNowhere : converted_.text());
+         isBoth || isLost ? source_.text() : kNowhere, isLost ? kNowhere : converted_.text());
   }
-  if (isBoth || !isLost) passSetting(converted_);
-  if (isLost) passSetting(source_);
+  if (isBoth || isLost) passSetting(source_);
+  if (!isLost) passSetting(converted_);
 }
 
 void Comparison::passSetting(Side& side) {

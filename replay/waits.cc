@@ -73,7 +73,7 @@ double WaitPair::toleranceAt(double rate) const {
   const WaitList::Sum asked = from.sumAt(rate);
   const double clocks = asked.seconds * rate;
   if (to.count == 0) return 0;
-  if (to.sumAt(rate).times > 0) return clocks * kTimeTolerance;
+  if (to.sumAt(kAnyHertz).times > 0) return clocks * kTimeTolerance;
   return std::max(static_cast<double>(asked.times), clocks * kClockTolerance) + kClockSlack;
 }
 
@@ -112,10 +112,10 @@ WaitPair::Judgement WaitPair::judge(double tckHertz) const {
     result.verdict = std::max(result.verdict, verdict);
     if (rate <= result.rate) result.missing = std::max(result.missing, missing);
   }
+  if (result.verdict > Verdict::kSame) return result;
+  if (isTime) result.missing = std::min(result.missing, missingAt(0));
   const double roundedUp = isTime ? 0 : result.tolerance;
-  if (result.verdict == Verdict::kSame && result.missing < -roundedUp) {
-    result.verdict = Verdict::kLonger;
-  }
+  if (result.missing < -roundedUp) result.verdict = Verdict::kLonger;
   return result;
 }
 
@@ -143,6 +143,10 @@ void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
     others.first.erase(found);
     --others.count;
   }
+}
+
+bool WaitComparison::isEven() const {
+  return std::all_of(pairs_.begin(), pairs_.end(), [](const auto& pair) { return pair.isEmpty(); });
 }
 
 void WaitComparison::closePlace() {

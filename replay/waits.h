@@ -82,6 +82,7 @@ class WaitComparison {
   void endPlace() {
     if (!isEmpty_) closePlace();
   }
+  bool isEven() const;  ///< no wait of this place is left over
   void endGap();  ///< at a scan, and once more at the end of the files
 
   /// The rate up to which all waits are long enough: kAnyHertz if they do not depend
