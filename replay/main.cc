@@ -72,16 +72,6 @@ struct Options {
   std::string text;  // to be shown in place of a file
 };
 
-std::uint64_t numberOf(std::string_view option, std::string_view text) {
-  std::uint64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || number == 0) {
-    throw Fault("-" + std::string(option) + " needs a number above 0, not \"" + std::string(text) +
-                "\"");
-  }
-  return number;
-}
-
 void allow(const std::string& names, Options& options) {
   std::istringstream stream(names);
   for (std::string name; std::getline(stream, name, ',');) {
@@ -110,7 +100,13 @@ Options parse(const std::vector<std::string>& arguments) {
     if (++i == arguments.size()) throw Fault("-" + std::string(name) + " needs a value");
     return arguments[i];
   };
-  const auto number = [&] { return numberOf(name, value()); };
+  const auto number = [&] {
+    const std::string& text = value();
+    std::uint64_t found = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), found);
+    if (error == std::errc() && end == text.data() + text.size() && found > 0) return found;
+    throw Fault("-" + std::string(name) + " needs a number above 0, not \"" + text + "\"");
+  };
   const std::map<std::string_view, std::function<void()>> known = {
       {"allow", [&] { allow(value(), options); }},
       {"h", [&] { options.text = helpText(); }},

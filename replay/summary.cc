@@ -60,9 +60,8 @@ struct Summary {
     if (operation.kind == Kind::kParallelIo) extras.insert("PIO");
     if (operation.kind == Kind::kResetLine && operation.word != "absent") extras.insert("TRST");
     if (operation.kind != Kind::kFrequency) return;
-    const double hertz = operation.hertz > 0 ? operation.hertz : kNone;
-    lowestHertz = std::min(lowestHertz, hertz);
-    if (!knowsRate) period = hertz < kNone ? 1 / hertz : kNone;
+    if (operation.hertz > 0) lowestHertz = std::min(lowestHertz, operation.hertz);
+    if (!knowsRate) period = operation.hertz > 0 ? 1 / operation.hertz : kNone;
   }
 };
 

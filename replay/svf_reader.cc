@@ -13,8 +13,9 @@ enum CharKind : std::uint8_t { kPlain, kMark, kBlank, kComment };
 
 constexpr std::array<CharKind, 256> kKinds = [] {
   std::array<CharKind, 256> kinds{};
-  for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) kinds[c] = kBlank;
-  for (const unsigned char c : {'(', ')', ';'}) kinds[c] = kMark;
+  for (const char c : {' ', '\t', '\n', '\v', '\f', '\r'})
+    kinds[static_cast<unsigned char>(c)] = kBlank;
+  for (const char c : {'(', ')', ';'}) kinds[static_cast<unsigned char>(c)] = kMark;
   kinds['!'] = kinds['/'] = kComment;
   return kinds;
 }();
