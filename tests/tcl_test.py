@@ -23,7 +23,7 @@ set current_tapbus cable
 """
 RUN = ["""# [exit] $x " { ; scan_ir_tapbus 1 -tdi 1
 \tscan_ir_tapbus  8 -tdi {2C} -mask "FF";;run_state_tapbus Idle\r\n; # run_state_tapbus IDLE\v
-puts "--- line 3";scan_dr_tapbus 4 -tdi 0""", "#\rrun_state_tapbus IDLE\r",
+puts "--- line 3";scan_dr_tapbus 4 -tdi 0""", "# \\\r\nrun_state_tapbus IDLE\rrun_state_tapbus\vRESET\r",
        """# C:\\work\\
 scan_ir_tapbus 8 -tdi 01
 # C:\\\\
