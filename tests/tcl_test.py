@@ -66,16 +66,16 @@ class Scripts(unittest.TestCase):
             stubs.write_text(STUBS + f"source {{{script}}}")
             for text in RUN + REFUSED:
                 script.write_bytes(("#\n" + text).encode())
-                shell = subprocess.run(["tclsh", stubs], text=True, capture_output=True)
-                listed = subprocess.run([*EMULATOR, REPLAY, script], text=True, capture_output=True)
-                words = [line.split()[2:] for line in listed.stdout.splitlines()]
-                steps = [kinds.get(word[0]) or "S" + " ".join(word[2:4])
-                         for word in words if word[0] != "end"]
+                done, listed = (subprocess.run(command, text=True, capture_output=True)
+                                for command in (["tclsh", stubs], [*EMULATOR, REPLAY, script]))
+                lines = [line.split()[2:] for line in listed.stdout.splitlines()
+                         if " end " not in line]
+                steps = [kinds.get(words[0], "S" + " ".join(words[2:4])) for words in lines]
                 with self.subTest(text):
                     self.assertEqual(listed.returncode, 2 if text in REFUSED else 0, listed.stderr)
                     if text in RUN:
-                        done = [line for line in shell.stdout.splitlines() if line[:2] != "--"]
-                        self.assertEqual((shell.stderr, done), ("", steps))
+                        shell = [line for line in done.stdout.splitlines() if line[:2] != "--"]
+                        self.assertEqual((done.stderr, shell), ("", steps))
 
 
 if __name__ == "__main__":
