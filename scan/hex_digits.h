@@ -5,7 +5,18 @@
 #include <cstdint>
 
 #include "scan/bits.h"
-#include "svf/simd.h"
+
+// Which processors take sixteen digits at a time by vector instructions. All others,
+// and a build with TAPFORGE_SIMD=OFF, use the functions in namespace `scalar`.
+#if !defined(TAPFORGE_NO_SIMD)
+#if defined(__SSE2__) && defined(__x86_64__)
+#define TAPFORGE_SSE2 1
+#include <emmintrin.h>
+#elif defined(__aarch64__) && defined(__ARM_NEON) && !defined(__AARCH64EB__)
+#define TAPFORGE_NEON 1
+#include <arm_neon.h>
+#endif
+#endif
 
 namespace tapforge {
 
@@ -99,7 +110,10 @@ inline ShortHex decodeShortHex(const unsigned char* text) {
   const uint8x16_t isDigit = vcltq_u8(fromZero, vdupq_n_u8(10));
   const uint8x16_t fromA = vsubq_u8(vorrq_u8(chars, vdupq_n_u8(0x20)), vdupq_n_u8('a'));
   const uint8x16_t isLetter = vcltq_u8(fromA, vdupq_n_u8(6));
-  const unsigned digits = neon::leading(vorrq_u8(isDigit, isLetter));
+  // Four bits for each character, the first one lowest.
+  const uint16x8_t isGood = vreinterpretq_u16_u8(vorrq_u8(isDigit, isLetter));
+  const std::uint64_t others = ~vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(isGood, 4)), 0);
+  const auto digits = others == 0 ? 16U : static_cast<unsigned>(__builtin_ctzll(others)) / 4;
   if (digits == 0) return {0, 0};
   const uint8x16_t letters = vandq_u8(isLetter, vaddq_u8(fromA, vdupq_n_u8(10)));
   const uint8x16_t values = vbslq_u8(isDigit, fromZero, letters);

@@ -17,9 +17,9 @@ constexpr std::int64_t kProgressStep = 200000;  // digits
 // What decodeHex and decodeShortHex read after the text, and decodeHex after the row.
 static_assert(FileChannel::kPadding >= 16 && CTapField::kPadding >= 8);
 
-/// Fills one field with the digits of a hex value as they are read. Digits
-/// arrive most significant first, so the row is filled downwards: its start
-/// then names the last digit read, and nothing has to move.
+/// Fills one field with the digits of a hex value as they are read. Digits arrive
+/// most significant first, so they are stored downwards from the top; only when
+/// there are too few or too many do they have to be turned afterwards.
 class HexReader {
  public:
   HexReader(CTapField& field, FileChannel& channel)
@@ -32,14 +32,14 @@ class HexReader {
       if (channel_.atEnd() && channel_.rules().hexEndsWithFile) break;
       if (c == ')') break;
       if (isSpace(c)) continue;
-      const int value = hexValue(c);
-      if (value < 0) {
+      const int digit = hexValue(c);
+      if (digit < 0) {
         channel_.report().fatal(concat("Invalid SVF data [", static_cast<char>(c), "]"));
       }
-      takeDigit(static_cast<unsigned>(value));
+      takeDigit(static_cast<unsigned>(digit));
     }
     if (shownProgress_) channel_.report().statusMsg("", StatusStyle::wipe);
-    field_.normalise();
+    field_.rotate(position_ + 1);
   }
 
  private:
@@ -57,22 +57,21 @@ class HexReader {
       if (done == 0) return;
       channel_.advancePast(text.data() + done - 1, text.data() + done);
       position_ -= done;
-      field_.setStart(position_ + 1);
       showProgress();
     }
   }
 
-  // One digit when the row is full: it goes where the most significant digit
+  // One digit when all are stored: it goes where the most significant one that is
   // still held is.
-  void takeDigit(unsigned value) {
+  void takeDigit(unsigned digit) {
     if (position_ < 0) {
       position_ = field_.lNumChars() - 1;
       full_ = true;
     }
-    if (full_ && field_.physicalDigit(position_) != 0) {
+    if (full_ && field_.getTapDataChar(position_) != 0) {
       channel_.report().warning("Ignoring excess MSB chars in field");
     }
-    field_.setTapDataChar(position_, value);
+    field_.setTapDataChar(position_, digit);
     --position_;
     showProgress();
   }
@@ -183,7 +182,7 @@ void initTapField(CTapField& field, std::int64_t length, Reporter& report) {
   try {
     field.initTapField(length);
   } catch (const std::bad_alloc&) {
-    report.nullPtrChk(false, "pData NULL");
+    report.fatal("Null Ptr [pData NULL]", Where::nowhere);
   }
 }
 

@@ -7,24 +7,14 @@
 #include "io/output_file.h"
 #include "io/reporter.h"
 #include "scan/tap_obj.h"
-#include "script/script_vars.h"
+#include "script/script_mode.h"
 #include "script/statement_text.h"
 #include "svf/file_channel.h"
 #include "svf/runtest.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 
-using tapforge::CompositeScan;
-using tapforge::CTapField;
-using tapforge::CTapObj;
-using tapforge::CTapPattern;
-using tapforge::Keyword;
-using tapforge::OutputFile;
-using tapforge::RegisterScan;
-using tapforge::Reporter;
-using tapforge::ScanRegister;
-using tapforge::TapState;
-using LineRest = tapforge::FileChannel::LineRest;
+using LineRest = FileChannel::LineRest;
 
 /// The words of an output form, for places that are the same in all forms.
 struct FormWords {
@@ -48,7 +38,7 @@ struct FormWords {
 /// writeStatement() writes the text. Scans are written when they have been read.
 /// `rest` is what follows the statement on its source line: statements on one line
 /// of the source come to one line of the output, with the same blanks between them.
-class ScriptWriter : public tapforge::CommentSink {
+class ScriptWriter : public CommentSink {
  public:
   ScriptWriter(const FormWords& words, const ScriptVars& vars, OutputFile& output, Reporter& report)
       : words_(words), vars_(vars), output_(output), report_(report) {}
@@ -75,7 +65,7 @@ class ScriptWriter : public tapforge::CommentSink {
   void frequency(float hertz);
   void trst(std::string_view modeAsWritten);
   void beginRunTest() { sBufStatement_ = words_.runTest; }
-  void runTestPart(const tapforge::RunTestPart& part);
+  void runTestPart(const RunTestPart& part);
   void endRunTest() { sBufStatement_ += words_.statementEnd; }
 
   void writeStatement(LineRest rest);
@@ -96,22 +86,22 @@ class ScriptWriter : public tapforge::CommentSink {
   /// a mask leaves out.
   struct Value {
     std::string_view keyword;  // of a header or trailer statement, else empty
-    tapforge::ScanValue which;
+    ScanValue which;
     const CTapField& data;
     const CTapField* mask;
     std::int64_t length;  // bits
 
-    static constexpr std::size_t kKinds = indexOf(tapforge::ScanValue::mask) + 1;
+    static constexpr std::size_t kKinds = indexOf(ScanValue::mask) + 1;
 
     /// All bits of a value of at most 64 bits.
-    tapforge::ShortScan shortBits() const {
+    ShortScan shortBits() const {
       return {mask != nullptr ? data.shortBits() & mask->shortBits() : data.shortBits()};
     }
 
-    /// Calls `use` with the bits, in a form that tapforge::writeDigits() takes.
+    /// Calls `use` with the bits, in a form that writeDigits() takes.
     template <typename Use>
     void withBits(const Use& use) const {
-      if (length <= tapforge::kWordBits) {
+      if (length <= kWordBits) {
         use(shortBits());
         return;
       }
@@ -149,8 +139,7 @@ class ScriptWriter : public tapforge::CommentSink {
   void writeScan(Keyword keyword, RegisterScan& scan, LineRest rest);
   void writeBlanks(std::size_t count);
   char* combineHeaderDataTrailer(char* out, const RegisterScan& scan, std::int64_t length);
-  char* consolidateData(char* out, const RegisterScan& scan, tapforge::ScanValue value,
-                        std::int64_t length);
+  char* consolidateData(char* out, const RegisterScan& scan, ScanValue value, std::int64_t length);
 
   bool inComment_ = false;
 };
@@ -160,6 +149,6 @@ std::unique_ptr<ScriptWriter> makeSvfWriter(const ScriptVars& vars, OutputFile& 
 std::unique_ptr<ScriptWriter> makeTclWriter(const ScriptVars& vars, OutputFile& output,
                                             Reporter& report);
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus
 
 #endif  // TAPFORGE_SCRIPT_SCRIPT_WRITER_H

@@ -1,12 +1,14 @@
 #ifndef TAPFORGE_SVF_SYNTAX_RULES_H
 #define TAPFORGE_SVF_SYNTAX_RULES_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "svf/text_scan.h"
-
 namespace tapforge {
+
+/// Which characters end a line: only a line feed, or a carriage return as well.
+enum class LineEnds { lineFeed, lineFeedOrReturn };
 
 /// A place in the source, as messages show it.
 struct SourcePlace {
