@@ -40,12 +40,12 @@ void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
 int hexValue(unsigned char c);
 
 /// Decodes the hex digits at the start of `text`, at most `count` (up to `top` + 1),
-/// into the row of nibbles `row`: the first digit goes to nibble `top`, each further
+/// into the nibbles of `packed`: the first digit goes to nibble `top`, each further
 /// one to the nibble below (nibble i is in byte i / 2, the low half when i is even),
 /// all of them 0 before. Stops at the first other character and returns the number of
 /// digits decoded. 16 bytes after the text must be readable, and 8 bytes after the
-/// row are read and written back as they were.
-std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row,
+/// nibbles are read and written back as they were.
+std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* packed,
                       std::int64_t top);
 
 namespace scalar {
@@ -120,8 +120,8 @@ inline ShortHex decodeShortHex(const unsigned char* text) {
   // Each pair becomes a byte with the first digit in its high half.
   const uint16x8_t pairs = vreinterpretq_u16_u8(values);
   const uint8x8_t bytes = vmovn_u16(vorrq_u16(vshlq_n_u16(pairs, 4), vshrq_n_u16(pairs, 8)));
-  const std::uint64_t word = __builtin_bswap64(vget_lane_u64(vreinterpret_u64_u8(bytes), 0));
-  return {digits, word >> (64 - 4 * digits)};
+  const std::uint64_t value = __builtin_bswap64(vget_lane_u64(vreinterpret_u64_u8(bytes), 0));
+  return {digits, value >> (64 - 4 * digits)};
 }
 
 inline void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {

@@ -12,9 +12,9 @@
 namespace tapforge {
 namespace {
 
-constexpr std::int64_t kProgressStep = 200000;  // digits
+constexpr std::int64_t kReadProgress = 200000;  // digits of one value that are left
 
-// What decodeHex and decodeShortHex read after the text, and decodeHex after the row.
+// What decodeHex and decodeShortHex read after the text, and decodeHex after the digits.
 static_assert(FileChannel::kPadding >= 16 && CTapField::kPadding >= 8);
 
 /// Fills one field with the digits of a hex value as they are read. Digits arrive
@@ -49,9 +49,9 @@ class HexReader {
     while (position_ >= 0 && !full_) {
       const std::span<const unsigned char> text = channel_.ahead();
       auto count = std::min<std::int64_t>(std::ssize(text), position_ + 1);
-      // Progress is shown when position_ becomes a multiple of kProgressStep, so
+      // Progress is shown when position_ becomes a multiple of kReadProgress, so
       // digits are decoded at most up to the next multiple.
-      if (position_ > kProgressStep) count = std::min(count, (position_ - 1) % kProgressStep + 1);
+      if (position_ > kReadProgress) count = std::min(count, (position_ - 1) % kReadProgress + 1);
       const auto done = static_cast<std::int64_t>(
           decodeHex(text.data(), static_cast<std::size_t>(count), field_.pData(), position_));
       if (done == 0) return;
@@ -77,7 +77,7 @@ class HexReader {
   }
 
   void showProgress() {
-    if (position_ <= 0 || position_ % kProgressStep != 0) return;
+    if (position_ <= 0 || position_ % kReadProgress != 0) return;
     channel_.report().statusMsg(concat("*** Reading hex char #", paddedDecimal(position_, 8)),
                                 StatusStyle::rewind);
     shownProgress_ = true;
@@ -91,10 +91,10 @@ class HexReader {
 };
 
 bool isZero(const CTapField& field) {
-  for (std::int64_t low = 0; low < field.lLength(); low += kWordBits) {
+  for (std::int64_t low = 0; low < field.lLength(); low += kChunkBits) {
     std::uint64_t bits = field.bitsAt(low);
     const std::int64_t rest = field.lLength() - low;
-    if (rest < kWordBits) bits &= lowBits(rest);
+    if (rest < kChunkBits) bits &= lowBits(rest);
     if (bits != 0) return false;
   }
   return true;
@@ -123,7 +123,7 @@ bool readShortValue(std::int64_t length, CTapField& field, FileChannel& channel)
   // The bytes after the block's text are 0, so no test needs its end.
   const unsigned char* open = channel.ahead().data();
   while (*open == ' ') ++open;
-  if (*open != '(' || length > kWordBits) return false;
+  if (*open != '(' || length > kChunkBits) return false;
   const ShortHex hex = decodeShortHex(open + 1);
   const unsigned char* const close = open + 1 + hex.digits;
   if (*close != ')' || hex.digits == 0 || hex.digits > digitsOf(length)) return false;

@@ -26,7 +26,7 @@ class CTapField {
 
   /// The same with a value of at most 64 bits for a length of at most 64.
   void initShort(std::int64_t length, std::uint64_t value) {
-    assert(length >= 1 && length <= kWordBits);
+    assert(length >= 1 && length <= kChunkBits);
     if (capacity_ == 0) initTapField(length);
     lLength_ = length;
     storeLittle(pData_.get(), value);
@@ -69,7 +69,7 @@ class CTapField {
 
   /// All bits, for a field of at most 64 bits; those above the length are 0.
   std::uint64_t shortBits() const {
-    assert(lLength_ <= kWordBits);
+    assert(lLength_ <= kChunkBits);
     return loadLittle(pData_.get()) & lowBits(lLength_);
   }
 

@@ -4,7 +4,6 @@
 
 #include "io/text.h"
 #include "scan/scan_statement.h"
-#include "script/hex_lines.h"
 #include "svf/numbers.h"
 
 namespace tapforge::progmode_svf2tapbus {
@@ -133,20 +132,20 @@ char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan
 inline char* ScriptWriter::consolidateData(char* out, const RegisterScan& scan, ScanValue value,
                                            std::int64_t length) {
   const std::int64_t digits = digitsOf(length);
-  if (length <= kWordBits) {
+  if (length <= kChunkBits) {
     return putDigits(out, ShortScan{scan.shortBits(value)}, 0, digits, HexCase::lower);
   }
-  constexpr std::int64_t kProgressStep = 200000;  // digits
-  static_assert(kProgressStep % kDigitsPerLine == 0, "progress is shown between two lines");
+  constexpr std::int64_t kWriteProgress = 200000;  // digits written so far
+  static_assert(kWriteProgress % kDigitsPerLine == 0, "progress is shown between two lines");
   output_.advance(out);
   // The digits of the lines after the first are right under those of the first.
   writeHexLines(output_, CompositeScan(scan, value, length), digits, HexCase::lower, "\n         ",
                 [this](std::int64_t first) {
-                  if (first == 0 || first % kProgressStep != 0) return;
+                  if (first == 0 || first % kWriteProgress != 0) return;
                   report_.statusMsg(concat("*** Writing hex char #", paddedDecimal(first, 8)),
                                     StatusStyle::rewind);
                 });
-  if (digits > kProgressStep) report_.statusMsg("", StatusStyle::wipe);
+  if (digits > kWriteProgress) report_.statusMsg("", StatusStyle::wipe);
   return output_.reserve(kScanText);
 }
 

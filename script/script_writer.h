@@ -1,11 +1,13 @@
 #ifndef TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 #define TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 
 #include "io/output_file.h"
 #include "io/reporter.h"
+#include "scan/hex_output.h"
 #include "scan/tap_obj.h"
 #include "script/script_mode.h"
 #include "script/statement_text.h"
@@ -15,6 +17,22 @@
 namespace tapforge::progmode_svf2tapbus {
 
 using LineRest = FileChannel::LineRest;
+
+/// Hex digits on one line of an SVF value.
+inline constexpr std::int64_t kDigitsPerLine = 64;
+
+/// Writes the digits of a value in lines. `eachLine(first)` is called before each
+/// line with the number of digits before it.
+template <typename Bits, typename EachLine>
+void writeHexLines(OutputFile& output, const Bits& bits, std::int64_t digits, HexCase hexCase,
+                   std::string_view lineBreak, const EachLine& eachLine) {
+  for (std::int64_t first = 0; first < digits; first += kDigitsPerLine) {
+    eachLine(first);
+    if (first != 0) output.write(lineBreak);
+    writeDigits(output, bits, digits - first - 1, std::min(kDigitsPerLine, digits - first),
+                hexCase);
+  }
+}
 
 /// The words of an output form, for places that are the same in all forms.
 struct FormWords {
@@ -33,9 +51,15 @@ struct FormWords {
 /// form is a class derived from it (svf_form.cc, tcl_form.cc) that gives its words
 /// and writes what differs.
 ///
-/// The text of a statement that is no scan is gathered in sBufStatement_ while the
-/// statement is read, so a comment inside the statement is written before it;
-/// writeStatement() writes the text. Scans are written when they have been read.
+/// Text goes out in one of three ways:
+/// - gathered: the text of a statement that is no scan grows in sBufStatement_ while
+///   the statement is read, so that a comment inside the statement is written before
+///   it; writeStatement() writes it, writeLine() a line of a statement that has
+///   several;
+/// - reserved: a scan has been read whole, and each stretch of it whose length is
+///   bounded is put by ShortText::copyTo(), putDecimal() and putDigits() into space
+///   that OutputFile::reserve() gives and advance() takes;
+/// - written: all else, which is rare or long, by OutputFile::write().
 /// `rest` is what follows the statement on its source line: statements on one line
 /// of the source come to one line of the output, with the same blanks between them.
 class ScriptWriter : public CommentSink {
@@ -45,7 +69,8 @@ class ScriptWriter : public CommentSink {
   ScriptWriter(const ScriptWriter&) = delete;
   ScriptWriter& operator=(const ScriptWriter&) = delete;
 
-  // Comments go to the output where they are met.
+  // Comments go to the output where they are met. The line end that commentEnd()
+  // writes also ends the line of a statement in front of the comment.
   void commentText(std::string_view piece) final;
   void commentEnd() final;
 
@@ -101,7 +126,7 @@ class ScriptWriter : public CommentSink {
     /// Calls `use` with the bits, in a form that writeDigits() takes.
     template <typename Use>
     void withBits(const Use& use) const {
-      if (length <= kWordBits) {
+      if (length <= kChunkBits) {
         use(shortBits());
         return;
       }

@@ -1,7 +1,6 @@
 // The SVF form of mode 0.
 
 #include "io/text.h"
-#include "script/hex_lines.h"
 #include "script/script_writer.h"
 
 namespace tapforge::progmode_svf2tapbus {
@@ -62,7 +61,7 @@ class SvfWriter final : public ScriptWriter {
     const std::int64_t digits = digitsOf(value.length);
     char* out = output_.reserve(kScanText);
     out = kLabels[indexOf(value.which)].copyTo(out);
-    if (value.length <= kWordBits) {
+    if (value.length <= kChunkBits) {
       out = putDigits(out, value.shortBits(), 0, digits, HexCase::upper);
     } else {
       output_.advance(out);

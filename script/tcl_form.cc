@@ -82,12 +82,12 @@ class TclWriter final : public ScriptWriter {
   }
 
   void printDigits(const Value& value) {
-    constexpr std::int64_t kProgressStep = 10000;  // digits
+    constexpr std::int64_t kTclProgress = 10000;  // digits of one value that are left
     const bool isMask = value.which == ScanValue::mask;
     const std::string_view progress = isMask ? "Process mask data char " : "Process data char ";
     value.withBits([&](const auto& bits) {
       for (std::int64_t top = digitsOf(value.length) - 1; top >= 0;) {
-        const std::int64_t last = top - top % kProgressStep;
+        const std::int64_t last = top - top % kTclProgress;
         writeDigits(output_, bits, top, top - last + 1, HexCase::upper);
         if (report_.wantsStatus()) {
           report_.statusMsg(concat(progress, last), StatusStyle::rewind);

@@ -139,7 +139,7 @@ std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<V
 /// Ends the run with status 1 after printing the text on standard error.
 [[noreturn]] void exitUsage(std::string_view text);
 
-/// The frame of an option list: a tab and 75 "=".
+/// The line before and after an option list: a tab and 75 "=".
 inline constexpr std::string_view kRuleLine =
     "\t===========================================================================";
 static_assert(kRuleLine.size() == 76);

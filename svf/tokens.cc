@@ -175,10 +175,10 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     key_ = static_cast<unsigned char>(toLower(static_cast<char>(start[1])));
     return true;
   }
-  // A comment is read from the part of the line that holds its second "/". When the
-  // line is cut before that one, the comment begins at -1 of the part: fatal.
-  const bool partEnds = endsPart(start + 1);
-  if (another && partEnds) {
+  // A comment is read from the segment of the line that holds its second "/". When
+  // the line is cut before that one, the comment begins at -1 of the segment: fatal.
+  const bool segmentEnds = endsSegment(start + 1);
+  if (another && segmentEnds) {
     const auto length = static_cast<std::int64_t>(getSrcLine(offsetOf(start + 1)).size());
     report_.fatal(concat("[skCm] range[0 <= -1 <= ", length, "]"), Where::nowhere);
   }
@@ -186,7 +186,7 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     skipComment(start);
     return false;
   }
-  return takeCharacter(start, partEnds ? TokenType::cutSlash : TokenType::punctuation);
+  return takeCharacter(start, segmentEnds ? TokenType::cutSlash : TokenType::punctuation);
 }
 
 // White space before `position` that is the last item read.

@@ -60,7 +60,7 @@ class CommandWriter {
   char* binWrite(char* out, std::int64_t number, std::int64_t bytes, const CommandRow& row) {
     auto value = static_cast<std::uint64_t>(number);
     if (value >> (8 * bytes) != 0) value = leadingDigits(number, bytes, row);
-    storeBig(out, value << (kWordBits - 8 * bytes));
+    storeBig(out, value << (kChunkBits - 8 * bytes));
     return out + bytes;
   }
   std::uint64_t leadingDigits(std::int64_t number, std::int64_t bytes, const CommandRow& row);
@@ -70,12 +70,12 @@ class CommandWriter {
   /// of its own.
   template <typename Bits>
   char* bytePrint(char* out, const Bits& bits, std::int64_t low, std::int64_t count) {
-    // The first word may hold fewer than eight bytes.
+    // The first chunk may hold fewer than eight bytes.
     std::int64_t left = bytesOf(count);
     const std::int64_t first = left - ((left - 1) & ~std::int64_t{7});
     left -= first;
     const std::uint64_t top = bits(low + 8 * left) & lowBits(count - 8 * left);
-    storeBig(out, top << (kWordBits - 8 * first));
+    storeBig(out, top << (kChunkBits - 8 * first));
     out += first;
     while (left > 0) {
       output_.advance(out);

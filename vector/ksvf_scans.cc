@@ -94,7 +94,7 @@ void KsvfScans::writeInstruction() {
   const std::int64_t length = compositeLength(scan, report_);
   // KSVF compares nothing on an instruction scan: its TDO and MASK are dropped.
   const Command command = length < 256 ? Command::KSIR : Command::KSIR2;
-  if (length <= kWordBits) {
+  if (length <= kChunkBits) {
     commands_.write(command, {length}, 0, length, ShortVectors(scan).tdi());
   } else {
     commands_.write(command, {length}, 0, length, LongVectors(scan, length).tdi());
@@ -118,7 +118,7 @@ void KsvfScans::writePendingSdr(StaleCount count) {
   const std::int64_t length = compositeLength(scan, report_);
   if (vars_.iFpgaFormat && length > vars_.lFpgaRecSize) {
     writePartition(LongVectors(scan, length), length);
-  } else if (length <= kWordBits) {
+  } else if (length <= kChunkBits) {
     writeWholeScan(ShortVectors(scan), length, count);
   } else {
     writeWholeScan(LongVectors(scan, length), length, count);
@@ -154,11 +154,11 @@ void KsvfScans::writeMask(const Mask& mask, std::int64_t length) {
   const std::int64_t digits = digitsOf(length);
   if (compareHexData(mask, digits)) return;
   const std::int64_t bits = 4 * digits;
-  if (bits <= kWordBits) {
+  if (bits <= kChunkBits) {
     pSdrMask_.initShort(bits, mask(0));
   } else {
     initTapField(pSdrMask_, bits, report_);
-    for (std::int64_t low = 0; low < bits; low += kWordBits) pSdrMask_.putBits(low, mask(low));
+    for (std::int64_t low = 0; low < bits; low += kChunkBits) pSdrMask_.putBits(low, mask(low));
   }
   maskKept_ = true;
   commands_.write(Command::KTDOMASK, {}, 0, length, mask);
@@ -171,9 +171,9 @@ bool KsvfScans::compareHexData(const Mask& mask, std::int64_t digits) const {
   const std::int64_t bits = 4 * digits;
   if (!maskKept_ || bits > pSdrMask_.lLength()) return false;
   const std::int64_t offset = pSdrMask_.lLength() - bits;
-  for (std::int64_t low = 0; low < bits; low += kWordBits) {
+  for (std::int64_t low = 0; low < bits; low += kChunkBits) {
     std::uint64_t differs = mask(low) ^ pSdrMask_.bitsAt(low + offset);
-    if (bits - low < kWordBits) differs &= lowBits(bits - low);
+    if (bits - low < kChunkBits) differs &= lowBits(bits - low);
     if (differs != 0) return false;
   }
   return true;
