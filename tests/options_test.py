@@ -50,12 +50,12 @@ class Options(unittest.TestCase):
     def test_svf_and_tcl(self):
         self.compare("script", 0, set(), zsh=zsh("svf"),
                      bash=names(r" -(\w+)", output("bash", "-c", COMPLETE, "-", "-c")),
-                     help=names(r"\t-(\w+)", output(*PROGRAM)) | {"d", "i", "l", "o", "z"},
+                     help=names(r"\t-(\w+)", output(*PROGRAM)) | {"d", "exact", "i", "l", "o", "z"},
                      readme=names(r"`-(\w+)", part("README.md", "| SVF and Tcl |", "\n\n")))
 
     def test_ksvf(self):
         told = output(*PROGRAM, "-ksvf", "-kshowallopts")
-        silent = {"i", "inorder", "kshowallopts", "ksvf", "l", "o", "runmin", "z"}
+        silent = {"exact", "i", "inorder", "kshowallopts", "ksvf", "l", "o", "runmin", "z"}
         self.compare("ksvf", 1, INTERNAL, zsh=zsh("ksvf"),
                      bash=names(r" -(\w+)", output("bash", "-c", COMPLETE, "-", "-ksvf")),
                      help=names(r"\t-(\w+)", told) | silent,
