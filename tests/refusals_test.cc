@@ -211,6 +211,9 @@ TEST(Refusals, EndOfFileInsideAStatement) {
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [end]):\nend\n^*\n");
   EXPECT_EQ(toKsvf(end).messages,
             "\nWarning: Unknown SVF keyword [end]\n[input: line 1]:[end]\nError  : EOF_CH");
+  EXPECT_EQ(toScript("SIR 8 TDI (1").messages,
+            "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [ ]):\n"
+            "SIR 8 TDI (1\n           ^*\n");
   EXPECT_EQ(toKsvf("SIR 6 TDI (7F").messages,
             "\nWarning: 1's in 2 MSB bits of leading hex char (7) will be ignored\n"
             "[input: line 1]:[F]\nError  : EOF_CH");
