@@ -161,15 +161,5 @@ TEST(Tokens, HaveAPlace) {
       place);
 }
 
-TEST(Tokens, AreComparedInAnyCase) {
-  const auto is = [](std::string_view svf, const Word& word) {
-    Source source(svf, progmode_svf2tapbus::kSyntaxRules);
-    return source.channel.lexIs(word);
-  };
-  EXPECT_TRUE(is("EndState", "endstate") && is("FREQUENCY", "frequency"));
-  EXPECT_FALSE(is("sdr1", "sdr") || is("sd", "sdr") || is("sir", "sdr") || is("5", "sdr"));
-  EXPECT_FALSE(is("endstates", "endstate") || is("frequencx", "frequency"));
-}
-
 }  // namespace
 }  // namespace tapforge::testing

@@ -74,6 +74,8 @@ TEST(Refusals, Keywords) {
   expect({
       {"<FOO> bar;", unknown + "[foo]"},
       {"<12ab>;", unknown + "[12ab]"},
+      {"<FREQUENCX>;", unknown + "[frequencx]"},
+      {"<SDR1> 8;", unknown + "[sdr1]"},
       {"<;> (;", unknown + "[;]"},
       // A / alone is lost in KSVF.
       {"</> x;", unknown + "[/]", "/ <x>;", unknown + "[x]"},
@@ -137,6 +139,7 @@ TEST(Refusals, Waits) {
       {"RUNTEST 1 TCK 1 SEC MAXIMUM <SEC>;", "Invalid RUNTEST max spec"},
       {"RUNTEST 1 TCK ENDSTATE <DRSHIFT>;", "[drshift]: invalid end state"},
       {"RUNTEST 1 TCK ENDSTATE <5>;", "Invalid ENDSTATE"},
+      {"RUNTEST 1 TCK <ENDSTATES> IDLE;", "Invalid RUNTEST format"},
       {"RUNTEST 1 TCK ENDSTATE IDLE <IDLE>;", "Expecting [;]"},
   });
 }
