@@ -73,13 +73,10 @@ void RunFiles::discardUnfinished() {
     if (*output == nullptr || fileStatus((*output)->name()).kind != FileKind::regular) continue;
     const std::string& name = (*output)->name();
     const bool gone = discardFile(name);
-    const bool emptied = gone && fileExists(name);
-    report.errHandler(gone ? Level::note : Level::error,
-                      concat("[", name, "] is unfinished and ",
-                             emptied ? "was emptied"
-                             : gone  ? "was removed"
-                                     : "stays"),
-                      Where::nowhere);
+    const std::string_view what = !gone              ? "] is unfinished and stays"
+                                  : fileExists(name) ? "] is unfinished and was emptied"
+                                                     : "] is unfinished and was removed";
+    report.errHandler(gone ? Level::note : Level::error, concat("[", name, what), Where::nowhere);
   }
 }
 

@@ -81,14 +81,14 @@ bool isExactNumber(std::string_view text) {
     text.remove_prefix(count);
     return count > 0;
   };
-  const auto take = [&text](std::string_view any) {
-    const bool found = !text.empty() && any.find(text[0]) != std::string_view::npos;
+  const auto take = [&text](char c) {
+    const bool found = !text.empty() && toLower(text[0]) == c;
     if (found) text.remove_prefix(1);
     return found;
   };
-  if (!takeDigits() || (take(".") && !takeDigits())) return false;
-  if (take("eE")) {
-    take("+-");
+  if (!takeDigits() || (take('.') && !takeDigits())) return false;
+  if (take('e')) {
+    if (!take('+')) take('-');
     if (!takeDigits()) return false;
   }
   return text.empty();

@@ -19,7 +19,7 @@ _${1//-/_}; echo " ${COMPREPLY[*]}" """, "bash")
 # Texts of several words, and those that are no messages: help, progress, parts of the output.
 SEVERAL = r"[A-Za-z]{2}[^\sA-Za-z]*\s\W*[A-Za-z]{2}"
 NO_MESSAGE = (r"^\t|-->|Usage|Ondrel|Version|\*\*\*|---|Elapsed|ENDSTATE_|Header/Trailer|Process|"
-              "item read|too long$")
+              "item read|too long$|tapbus -wait|Tcl form$")
 
 
 def source(*patterns):
@@ -120,7 +120,7 @@ class Words(unittest.TestCase):
                    and not re.search(NO_MESSAGE, text) and text.strip() not in "\n".join(told)]
         self.assertEqual(lacking, [])
         pieces = [piece.strip() for text in told
-                  for piece in re.split(r"[][():]|\b(?:word|file|c|n|t|f|98)\b", text)]
+                  for piece in re.split(r"[][():]|\b(?:word|file|form|c|n|t|f|98)\b", text)]
         gone = [piece for piece in pieces if " " in piece and piece not in "\n".join(ours)]
         self.assertEqual(gone, [])
 
