@@ -48,7 +48,8 @@ void Reporter::errHandler(Level level, std::string_view text, Where where) {
     return where == Where::input && input_ != nullptr ? input_->positionText() : "";
   };
   if (!collects_ || level != Level::warning) return message(level, text, place());
-  const auto known = std::ranges::find(kept_, text, &Kept::text);
+  const auto known = std::find_if(kept_.begin(), kept_.end(),
+                                  [text](const Kept& kept) { return kept.text == text; });
   if (known == kept_.end()) {
     kept_.push_back({std::string(text), place(), 1});
   } else {

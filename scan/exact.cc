@@ -1,9 +1,7 @@
 #include "scan/exact.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "io/text.h"
 
@@ -98,22 +96,6 @@ void ExactRules::endOfSource() {
   if (saysAll() || timeConverted_ || lowestFrequency_ == kNone) return;
   report.note(concat("May be played at a TCK of at most ", lowestFrequency_, " Hz (FREQUENCY)"),
               Where::nowhere);
-}
-
-void readExactPath(CTapObj& tap, FileChannel& channel,
-                   const std::function<void(const PathStep&)>& take) {
-  std::vector<PathStep> steps;
-  std::vector<std::string> asWritten;
-  tap.iCurState = readStatePath(tap.iCurState, channel, [&](const PathStep& step) {
-    steps.push_back(step);
-    asWritten.emplace_back(step.asWritten);
-  });
-  const bool isPause = tap.iCurState == TapState::drpause || tap.iCurState == TapState::irpause;
-  if (steps.size() == 1 && steps[0].from == tap.iCurState && isPause) steps[0].oneClock = false;
-  for (std::size_t i = 0; i < steps.size(); ++i) {
-    steps[i].asWritten = asWritten[i];
-    take(steps[i]);
-  }
 }
 
 }  // namespace tapforge

@@ -60,12 +60,6 @@ class ExactRules {
   std::int64_t mostClocks_ = kNone;  // its MAXIMUM
 };
 
-/// Reads the rest of a STATE statement, from tap.iCurState, and gives its steps to
-/// `take` when all are known: a state alone is reached by its usual way, which leads
-/// from a pause state to itself through Update and Capture.
-void readExactPath(CTapObj& tap, FileChannel& channel,
-                   const std::function<void(const PathStep&)>& take);
-
 }  // namespace tapforge
 
 #endif  // TAPFORGE_SCAN_EXACT_H

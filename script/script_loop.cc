@@ -69,12 +69,9 @@ class ScriptLoop {
   // path may begin anywhere, but under -exact.
   void doState() {
     writer_->beginState();
-    const auto take = [&](const PathStep& step) { writer_->pathState(step.asWritten); };
-    if (exact_) {
-      readExactPath(pGlobTapData_, channel_, take);
-    } else {
-      readStatePath(TapState::unknown, channel_, take);
-    }
+    pGlobTapData_.iCurState =
+        readStatePath(exact_ ? pGlobTapData_.iCurState : TapState::unknown, channel_,
+                      [&](const PathStep& step) { writer_->pathState(step.asWritten); });
     writer_->endState();
     writer_->writeStatement(channel_.lineRest());
   }

@@ -1,8 +1,6 @@
 // The Tcl form of mode 0: commands for a console with a tapbus.
 
-#include <algorithm>
 #include <utility>
-#include <vector>
 #include "io/text.h"
 
 #include "scan/hex_output.h"
@@ -92,11 +90,7 @@ class TclWriter final : public ScriptWriter {
                           std::string_view note, LineRest rest) override {
     output_.write(
         concat("set_property ", keyword, "_length {", pattern.lLength(), "} $current_tapbus"));
-    if (vars_.exact) {
-      exactProperties(keyword, pattern);
-      output_.put('\n');
-      return;
-    }
+    if (vars_.exact) return exactProperties(keyword, pattern);
     writeSeparator(rest);
     if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, true);
     output_.write(note);
@@ -104,20 +98,16 @@ class TclWriter final : public ScriptWriter {
     writeSeparator(rest);
   }
 
-  // A property stays until it is set anew, so expected bits that no longer hold are
-  // followed by some that are compared nowhere.
+  // A property stays until it is set anew, so without expected bits there are some that
+  // are compared nowhere.
   void exactProperties(std::string_view keyword, const CTapPattern& pattern) {
-    if (pattern.lLength() == 0) return;
-    printDataAndMask(keyword, pattern, !vars_.iSkipTdoTest);
     const bool compares = pattern.pTdo() != nullptr && !vars_.iSkipTdoTest;
-    const bool compared = std::ranges::count(comparing_, keyword) > 0;
-    if (compared && !compares) {
-      printValue({keyword, ScanValue::tdo, {nullptr, 0}, nullptr, pattern.lLength()});
-      printValue({keyword, ScanValue::mask, {nullptr, 0}, nullptr, pattern.lLength()});
-      std::erase(comparing_, keyword);
-    } else if (compares && !compared) {
-      comparing_.push_back(keyword);
+    if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, compares);
+    for (const ScanValue value : {ScanValue::tdo, ScanValue::mask}) {
+      if (compares || pattern.lLength() == 0) continue;
+      printValue({keyword, value, {nullptr, 0}, nullptr, pattern.lLength()});
     }
+    output_.put('\n');
   }
 
   // Values of scans are arguments, those of headers and trailers properties.
@@ -152,8 +142,7 @@ class TclWriter final : public ScriptWriter {
     });
   }
 
-  bool held_ = false;                        // a backslash of a comment, which may be its last
-  std::vector<std::string_view> comparing_;  // header and trailer keywords with a TDO property
+  bool held_ = false;  // a backslash of a comment, which may be its last
 };
 
 }  // namespace

@@ -31,7 +31,9 @@ class ArgCursor {
   std::optional<std::string> fileName();
   bool atEnd() const { return next_ == arguments_.size(); }
   /// Whether option() has given this name.
-  bool seen(std::string_view name) const { return std::ranges::find(names_, name) != names_.end(); }
+  bool seen(std::string_view name) const {
+    return std::find(names_.begin(), names_.end(), name) != names_.end();
+  }
 
  private:
   bool nextIsOption() const { return arguments_[next_].starts_with('-'); }
@@ -135,7 +137,9 @@ template <typename Vars>
 std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<Vars>> table,
                                        Vars& vars, RunFiles& files) {
   while (std::optional<std::string> name = args.option()) {
-    const auto row = std::ranges::find(table, *name, &Option<Vars>::name);
+    const auto row = std::find_if(table.begin(), table.end(), [&name](const Option<Vars>& option) {
+      return option.name == *name;
+    });
     if (row == table.end() || !row->take({*name, args, files}, vars)) return name;
   }
   return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "io/text.h"
 #include "scan/exact.h"
@@ -67,18 +68,20 @@ class KsvfLoop final : private CommentSink {
 
   void doState() {
     scans_.writePending(StaleCount::cancel);
-    const auto take = [this](const PathStep& step) {
+    const TapState before = pGlobTapData_.iCurState;
+    const bool inPause = before == TapState::drpause || before == TapState::irpause;
+    bool first = true;
+    bool held = false;  // a pause state named again, first: SVF leaves it unless a path follows
+    pGlobTapData_.iCurState = readStatePath(before, channel_, [&](const PathStep& step) {
+      held = std::exchange(first, false) && exact_ && inPause && step.state == before;
+      if (held) return;
       if (step.oneClock) {
         moves_.addTapTransition(step.state);
       } else {
         moves_.doStableState(step.from, step.state);
       }
-    };
-    if (exact_) {
-      readExactPath(pGlobTapData_, channel_, take);
-    } else {
-      pGlobTapData_.iCurState = readStatePath(pGlobTapData_.iCurState, channel_, take);
-    }
+    });
+    if (held) moves_.doStableState(before, before);
     statementDone();
   }
 
