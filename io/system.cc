@@ -93,8 +93,8 @@ FileKind kindOf(mode_t mode) {
 
 FileStatus statusOf(const struct stat& found) {
   const FileKind kind = kindOf(found.st_mode);
-  if (kind != FileKind::regular) return {kind};
-  return {kind, found.st_dev, found.st_ino, static_cast<std::uint64_t>(found.st_size)};
+  const auto size = kind == FileKind::regular ? static_cast<std::uint64_t>(found.st_size) : 0;
+  return {kind, found.st_dev, found.st_ino, size};
 }
 
 #endif

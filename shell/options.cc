@@ -24,6 +24,17 @@ std::optional<std::string> ArgCursor::fileName() {
   return arguments_[next_++];
 }
 
+bool ArgCursor::namesStandardInput() const {
+  for (std::size_t i = 0; i < arguments_.size(); ++i) {
+    if (arguments_[i] != "-i" && arguments_[i] != "-I") continue;
+    for (std::size_t name = i + 1; name < arguments_.size(); ++name) {
+      if (name > i + 1 && arguments_[name].starts_with('-')) break;
+      if (isStandardInput(arguments_[name])) return true;
+    }
+  }
+  return false;
+}
+
 std::string fileNameArgument(const OptionCall& call, std::string_view what) {
   std::optional<std::string> name = call.args.getCmdToken();
   if (!name) call.files.report.fatal(concat("missing [", what, "] filename"), Where::nowhere);
@@ -43,9 +54,16 @@ bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t&
     report.warning(concat("expected a decimal number for \"-", call.name, "\"\n"), Where::nowhere);
     return false;
   }
+  // The base is told here, since some C libraries know prefixes of their own.
+  const std::string_view digits = std::string_view(*text).substr(
+      std::min(text->find_first_not_of(" \t\n\v\f\r+-"), text->size()));
+  const bool isHex = digits.starts_with("0x") || digits.starts_with("0X");
   char* end = nullptr;
   // A number that 64 bits cannot hold becomes the nearest they can, which is refused.
-  const std::int64_t number = std::strtoll(text->c_str(), &end, 0);
+  const std::int64_t number = std::strtoll(text->c_str(), &end,
+                                           isHex                     ? 16
+                                           : digits.starts_with('0') ? 8
+                                                                     : 10);
   if (end == text->c_str() || *end != '\0' || number < smallest || number > kLargestNumber) {
     const std::string_view word = call.name == "linenum" ? "" : " option";
     report.warning(concat("invalid decimal number [", *text, "] for -", call.name, word, "\n"),

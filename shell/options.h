@@ -30,6 +30,8 @@ class ArgCursor {
   /// The next argument if it does not begin with "-".
   std::optional<std::string> fileName();
   bool atEnd() const { return next_ == arguments_.size(); }
+  /// Whether a "-i" anywhere has standard input among the names after it.
+  bool namesStandardInput() const;
   /// Whether option() has given this name.
   bool seen(std::string_view name) const {
     return std::find(names_.begin(), names_.end(), name) != names_.end();
@@ -136,6 +138,7 @@ constexpr Option<Vars> kFrequencyOption = {
 template <typename Vars>
 std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<Vars>> table,
                                        Vars& vars, RunFiles& files) {
+  files.stdinIsInput = args.namesStandardInput();
   while (std::optional<std::string> name = args.option()) {
     const auto row = std::find_if(table.begin(), table.end(), [&name](const Option<Vars>& option) {
       return option.name == *name;

@@ -42,7 +42,7 @@ void RunFiles::makeChannel(std::unique_ptr<OutputFile>& output, const std::strin
   if (taken) report.fileError(concat("[", name, "] is already written by this run"));
   if (iOverWritePrompt && fileExists(name)) {
     const char answer = getResponse(concat("[", name, "] exists; Overwrite or Exit (o/e)? "), "OE",
-                                    'E', emptyAnswer_);
+                                    'E', emptyAnswer_, !stdinIsInput);
     if (answer != 'O') throw ProgramEnd{1};
   }
   output = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);

@@ -36,6 +36,9 @@ class RunFiles {
   /// The name of the output; mode 1 opens it only after all options.
   std::optional<std::string> sOutputName;
 
+  /// Standard input is an input of the run, which is not to be taken for an answer.
+  bool stdinIsInput = false;
+
   /// -exact: an output or listing that is not finished is removed.
   bool removesUnfinished = false;
 
