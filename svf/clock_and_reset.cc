@@ -20,10 +20,9 @@ Frequency readFrequency(FileChannel& channel) {
   if (const Number number = getFloat(channel)) {
     frequency = {number.asFloat(), channel.numberText()};
     if (!(frequency.hertz > 0)) {
-      constexpr std::string_view kTooLow =
-          "Only positive real numbers allowed; TCK set to system default";
-      if (channel.rules().exact) channel.report().fatal(kTooLow);
-      channel.report().warning(kTooLow);
+      Reporter& report = channel.report();
+      if (channel.rules().exact) report.fatal("-exact: a FREQUENCY that is not above 0");
+      report.warning("Only positive real numbers allowed; TCK set to system default");
       frequency.hertz = -1.0F;
     }
     channel.strSearch("hz");

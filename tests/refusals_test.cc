@@ -220,6 +220,13 @@ TEST(Refusals, EndOfFileInsideAStatement) {
   EXPECT_EQ(toScript("SIR 8 TDI (1").messages,
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [ ]):\n"
             "SIR 8 TDI (1\n           ^*\n");
+  // A blank at the very end has been read with a word, and is seen behind a number.
+  const std::pair<std::string, std::size_t> blanks[] = {
+      {"SIR ", 0}, {"SIR  ", 4}, {"SIR 8 ", 5}, {"FREQUENCY 1E6\t", 13}, {"STATE IDLE ", 6}};
+  for (const auto& [svf, column] : blanks) {
+    const std::string caret = "\n" + svf + "\n" + std::string(column, ' ') + "^*\n";
+    EXPECT_TRUE(toScript(svf).messages.ends_with(caret)) << svf;
+  }
   EXPECT_EQ(toKsvf("SIR 6 TDI (7F").messages,
             "\nWarning: 1's in 2 MSB bits of leading hex char (7) will be ignored\n"
             "[input: line 1]:[F]\nError  : EOF_CH");
