@@ -76,8 +76,9 @@ static void tell(const struct KsvfPlayer* player) {
       printf("done, %lu scans\n", (unsigned long)player->scan);
       return;
     case KSVF_MISMATCH:
-      printf("mismatch in scan %lu, bit %lu: expected %d, seen %d\n", (unsigned long)player->scan,
-             (unsigned long)player->mismatch_bit, player->expected, player->seen);
+      printf("mismatch in scan %lu: %lu bits wrong, the first is bit %lu, expected %d\n",
+             (unsigned long)player->scan, (unsigned long)player->wrong_bits,
+             (unsigned long)player->mismatch_bit, player->expected ? 1 : 0);
       return;
     case KSVF_UNKNOWN_COMMAND:
       printf("unknown command %u", player->command);
@@ -89,7 +90,7 @@ static void tell(const struct KsvfPlayer* player) {
       printf("wrong operand of command %u", player->command);
       break;
     case KSVF_SCAN_TOO_LONG:
-      printf("scan of more than %d bits", KSVF_MAX_BITS);
+      printf("scan of more than %lu bits", (unsigned long)KSVF_MAX_BITS);
       break;
     default:
       printf("file ends in a command");
