@@ -20,6 +20,8 @@ void skipLine() {
 
 }  // namespace
 
+std::size_t gBlockSize = std::size_t{128} * 1024;
+
 FilePtr fileCheck(const std::string& name, OpenMode mode, Reporter& report) {
   const bool reads = mode == OpenMode::read;
   FilePtr file = reads ? openForReading(name) : openForWriting(name);

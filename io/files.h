@@ -1,6 +1,7 @@
 #ifndef TAPFORGE_IO_FILES_H
 #define TAPFORGE_IO_FILES_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,11 @@
 namespace tapforge {
 
 class Reporter;
+
+/// How many bytes of a file are read or written at a time, at least 1. A file
+/// keeps the value that it was opened with. Tests make it small, so that
+/// everything is seen at the edge between two blocks.
+extern std::size_t gBlockSize;
 
 /// An input file that was opened when the command line named it, which proves
 /// that it can be read; the conversion goes on with the same handle, so that a

@@ -39,6 +39,8 @@ std::string dateTimeText(std::time_t time) {
 
 }  // namespace
 
+std::string fileErrorText(std::string_view fileName) { return concat(fileName, " file error"); }
+
 void Reporter::errHandler(Level level, std::string_view text, Where where) {
   std::string message = concat("\n", prefixOf(level), text.substr(0, kMaxMessage));
   if (where == Where::input && input_ != nullptr) message += input_->positionText();
@@ -48,36 +50,16 @@ void Reporter::errHandler(Level level, std::string_view text, Where where) {
   toLog(message);
 }
 
-void Reporter::fatal(std::string_view text, Where where) {
+void Reporter::printFatal(std::string_view text, Where where) {
   errHandler(Level::error, text, where);
-  finishClock();
-  throw ProgramEnd{1};
-}
-
-void Reporter::nullPtrChk(bool present, std::string_view tag) {
-  if (!present) fatal(concat("Null Ptr [", tag, "]"), Where::nowhere);
-}
-
-void Reporter::rangeCheck(std::int64_t value, std::int64_t smallest, std::int64_t largest,
-                          std::string_view name) {
-  if (smallest <= value && value <= largest) return;
-  fatal(concat("[", name, "] range[", smallest, " <= ", value, " <= ", largest, "]"),
-        Where::nowhere);
+  printFinish();
 }
 
 void Reporter::fileError(std::string_view text) {
   fatal(concat("(", style_.toolName, ") ", text), Where::nowhere);
 }
 
-void Reporter::chkFileErr(std::string_view fileName) {
-  fatal(fileErrorText(fileName), Where::nowhere);
-}
-
-std::string Reporter::fileErrorText(std::string_view fileName) {
-  return concat(fileName, " file error");
-}
-
-void Reporter::statusMsg(std::string_view text, StatusStyle style) {
+void Reporter::sendStatus(std::string_view text, StatusStyle style) {
   if (!wantsStatus()) return;
   const bool lineBefore = style == StatusStyle::newLine || style == StatusStyle::ownLine;
   const bool lineAfter = style == StatusStyle::ownLine || style == StatusStyle::line;
@@ -88,9 +70,7 @@ void Reporter::statusMsg(std::string_view text, StatusStyle style) {
                      style == StatusStyle::wipe ? style_.screenWipe : ""));
 }
 
-void Reporter::startClock() { t_TimeStart_ = showDateTime(style_.startLabel); }
-
-void Reporter::finishClock() {
+void Reporter::printFinish() {
   const std::time_t t_TimeFinish = showDateTime(style_.finishLabel);
   if (t_TimeStart_ != 0) {
     showElapsedTime(t_TimeFinish);
@@ -102,20 +82,27 @@ void Reporter::finishClock() {
 
 std::time_t Reporter::showDateTime(std::string_view label) {
   const std::time_t t_SysDateTime = std::time(nullptr);
-  statusMsg(concat(label, ": ", dateTimeText(t_SysDateTime)), StatusStyle::ownLine);
+  sendStatus(concat(label, ": ", dateTimeText(t_SysDateTime)), StatusStyle::ownLine);
   return t_SysDateTime;
 }
 
 void Reporter::showElapsedTime(std::time_t t_TimeFinish) {
   const auto seconds = static_cast<std::int64_t>(std::difftime(t_TimeFinish, t_TimeStart_));
-  statusMsg(
+  sendStatus(
       concat(style_.elapsedLead, twoDigits(seconds / 3600), ":", twoDigits(seconds % 3600 / 60),
              ":", twoDigits(seconds % 60), style_.elapsedTail),
       StatusStyle::line);
 }
 
 void Reporter::toLog(std::string_view text) {
-  if (log_ != nullptr) log_->write(text);
+  if (log_ == nullptr) return;
+  try {
+    log_->write(text);
+  } catch (const WriteFailed& failed) {
+    log_ = nullptr;
+    logLost_ = true;
+    errHandler(Level::error, fileErrorText(failed.name), Where::nowhere);
+  }
 }
 
 void Reporter::print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }

@@ -56,7 +56,7 @@ FileStatus fileStatus(const std::string& name);
 FileStatus fileStatus(std::FILE* file);
 
 /// Asks the system for large pages under `size` bytes of new memory, which saves
-/// page faults while a long row of digits is filled: an eighth of the time of its
+/// page faults while a long value is filled: an eighth of the time of its
 /// conversion. Only a hint, so nothing depends on its success.
 void preferLargePages(unsigned char* data, std::size_t size);
 

@@ -10,11 +10,9 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* Settings: in a header ksvf_config.h where the compiler finds one, in the header
-   that KSVF_CONFIG names (-DKSVF_CONFIG='"board.h"'), or each a -D of its own. */
-#ifdef KSVF_CONFIG
-#include KSVF_CONFIG
-#elif defined __has_include
+/* Settings: macros in a header ksvf_config.h of your own, included where the compiler
+   finds one, or a -D of the compiler for each. */
+#ifdef __has_include
 #if __has_include("ksvf_config.h")
 #include "ksvf_config.h"
 #endif
@@ -34,11 +32,11 @@ extern "C" {
 #define KSVF_OWN_COMMENT 0
 #endif
 
-#if KSVF_MAX_BITS < 1 || KSVF_MAX_BITS > 0x40000000
+#if (KSVF_MAX_BITS < 1) || (KSVF_MAX_BITS > 0x40000000)
 #error "KSVF_MAX_BITS must lie between 1 and 2^30"
 #endif
 #define KSVF_MAX_BYTES (((KSVF_MAX_BITS - 1) / 8) + 1)
-#if KSVF_MAX_BYTES > (PTRDIFF_MAX - 128) / 3
+#if defined PTRDIFF_MAX && (KSVF_MAX_BYTES > ((PTRDIFF_MAX - 128) / 3))
 #error "KSVF_MAX_BITS is too large for an object of this machine"
 #endif
 
@@ -102,6 +100,13 @@ enum KsvfResult {
 /* Which TDO bits of a scan are compared. */
 enum KsvfCompare { KSVF_COMPARE_NONE, KSVF_COMPARE_MASKED, KSVF_COMPARE_ALL };
 
+/* A number of bits, of one scan or record at most. */
+#if KSVF_MAX_BITS <= 0xfff8
+typedef uint16_t KsvfBits;
+#else
+typedef uint32_t KsvfBits;
+#endif
+
 /* All that a player knows. Read what you like, also from within the port
    functions; what you may write is said where it stands. Vectors are stored as
    in the file: a vector of n bits in the first (n + 7) / 8 bytes, most
@@ -116,37 +121,37 @@ struct KsvfPlayer {
   uint8_t result;  /* enum KsvfResult */
   uint8_t state;   /* enum KsvfState: where the TAP is, in ksvf_port_clock() before the clock */
   uint8_t command; /* enum KsvfCommand: the last one read, or an unknown code */
-  uint32_t offset; /* bytes read */
-  uint32_t command_offset; /* offset of the code of that command */
 
   /* The current scan, after its end the last one. */
-  uint32_t scan;        /* number, from 1; the records of a partitioned scan have the same */
-  uint32_t bits;        /* length of the scan or record */
-  uint32_t bits_before; /* bits of a partitioned scan before this record, else 0 */
-  uint8_t tries;        /* how often it has been tried again */
-  uint8_t compare;      /* enum KsvfCompare */
-  bool instruction;     /* register: instruction (true) or data */
-  bool in_records;      /* between the first and the last record of a partitioned scan */
-
-  /* What its last try (of records: the last one) found different. */
-  uint32_t wrong_bits;   /* how many TDO bits under the mask; if not 0: */
-  uint32_t mismatch_bit; /*   the first one's number in the (whole) scan, from 0 */
-  bool expected;         /*   and what the file has there; the other value came */
+  bool instruction; /* register: instruction (true) or data */
+  bool in_records;  /* between the first and the last record of a partitioned scan */
+  uint8_t compare;  /* enum KsvfCompare */
+  uint8_t tries;    /* how often it has been tried again */
+  bool expected;    /* the first wrong bit of its last try (see wrong_bits): as the file has it */
 
   /* What holds for the scans to come. */
   uint8_t repeat;     /* KREPEAT: times to try again */
   uint8_t end_ir;     /* enum KsvfState: where instruction scans end */
   uint8_t end_dr;     /* the same for data scans */
+  KsvfBits data_bits; /* KSDRSIZE */
+  KsvfBits mask_bits; /* length of the mask when it was sent, 0 before the first */
   uint32_t run_count; /* KRUNTEST: clocks after a scan */
-  uint32_t data_bits; /* KSDRSIZE */
-  uint32_t mask_bits; /* length of the mask when it was sent, 0 before the first */
+
+  /* Numbers of the play and of the current scan. */
+  uint32_t offset;         /* bytes read */
+  uint32_t command_offset; /* offset of the code of the command */
+  uint32_t scan;           /* number, from 1; the records of a partitioned scan have the same */
+  KsvfBits bits;           /* length of the scan or record */
+  uint32_t bits_before;    /* bits of a partitioned scan before this record, else 0 */
+  uint32_t wrong_bits;     /* TDO bits of the last try or record that differed under the mask */
+  uint32_t mismatch_bit;   /* the first of them: its number in the (whole) scan, from 0 */
 
   uint8_t tdi[KSVF_MAX_BYTES];
   uint8_t tdo[KSVF_MAX_BYTES];  /* expected; meaningless with KSVF_COMPARE_NONE */
   uint8_t mask[KSVF_MAX_BYTES]; /* as it was sent: ask ksvf_mask_byte() */
 };
 
-/* For the two functions that follow: call those. */
+/* What the two functions below call; call those. */
 void ksvf_begin_play(struct KsvfPlayer* player, void* port, size_t size, bool dry);
 
 /* Makes a player ready for a file and takes the TAP to Test-Logic-Reset, whatever
@@ -170,9 +175,10 @@ static inline void ksvf_begin_dry(struct KsvfPlayer* player, void* port) {
 enum KsvfResult ksvf_step(struct KsvfPlayer* player);
 
 /* Plays to the end. After KSVF_DONE the TAP is where the last command left it,
-   after KSVF_STOPPED where the last clock left it. After any other result it does
-   not stay in a shift state: it is taken to the pause state of that register, and
-   what this scan (of retries: this try) shifted has not passed Update. */
+   after KSVF_STOPPED where the last clock left it. After any other result it is not
+   in a shift state: from there it was taken to the pause state of that register, so
+   that the bits of an unfinished scan, and of the last try of one that differed, have
+   not passed Update. Those of the tries before have. */
 enum KsvfResult ksvf_play(struct KsvfPlayer* player);
 
 /* The mask of the current scan for its TDO bits 8 * index (lowest bit of the

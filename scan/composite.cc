@@ -22,7 +22,7 @@ void RegisterScan::makeFrame() {
   const bool tooLong = __builtin_add_overflow(head_.lLength(), data_.lLength(), &sum) ||
                        __builtin_add_overflow(sum, trail_.lLength(), &sum);
   length_ = tooLong ? kTooLong : sum;
-  if (tooLong || sum > kWordBits) return;
+  if (tooLong || sum > kChunkBits) return;
   for (const ScanValueRow& row : kScanValues) {
     frame_[indexOf(row.value)] =
         frameBits(head_, row, 0) | frameBits(trail_, row, sum - trail_.lLength());
@@ -48,7 +48,7 @@ void CompositeScan::setBody(const CTapField* field, std::int64_t begin, std::int
   if (field == nullptr) return;
   body_ = field;
   bodyBegin_ = begin;
-  bodyLast_ = end - kWordBits;
+  bodyLast_ = end - kChunkBits;
 }
 
 std::uint64_t CompositeScan::gather(std::int64_t low) const {
@@ -56,10 +56,10 @@ std::uint64_t CompositeScan::gather(std::int64_t low) const {
   std::uint64_t bits = 0;
   for (const Piece& piece : pieces_) {
     const std::int64_t from = std::max(low, piece.begin);
-    if (piece.end <= from || from - low >= kWordBits) continue;
+    if (piece.end <= from || from - low >= kChunkBits) continue;
     std::uint64_t part =
         piece.field != nullptr ? piece.field->bitsAt(from - piece.begin) : piece.fill;
-    if (piece.end - from < kWordBits) part &= lowBits(piece.end - from);
+    if (piece.end - from < kChunkBits) part &= lowBits(piece.end - from);
     bits |= part << (from - low);
   }
   return bits;

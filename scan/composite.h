@@ -39,7 +39,7 @@ class RegisterScan {
   /// All bits of a value of a scan whose length() is at most 64: the short scans
   /// of most files, for which nothing has to be set up.
   std::uint64_t shortBits(ScanValue value) const {
-    assert(frameFor_ == data_.lLength() && length_ <= kWordBits);
+    assert(frameFor_ == data_.lLength() && length_ <= kChunkBits);
     const CTapField* const field = data_[value];
     const std::uint64_t bits = field != nullptr ? field->shortBits() : lowBits(data_.lLength());
     return frame_[indexOf(value)] | bits << head_.lLength();

@@ -1,16 +1,15 @@
-#include "script/script_traits.h"
+#include "script/script_mode.h"
 
 #include "io/text.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 namespace {
 
 // File, line and last item, the source line and, where the token begins on that
 // line, a mark under it.
-std::string positionText(const tapforge::SourcePlace& place) {
-  std::string text =
-      tapforge::concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
-                       " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
+std::string positionText(const SourcePlace& place) {
+  std::string text = concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
+                            " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
   const auto column = static_cast<std::size_t>(place.iTokenCol);
   if (column >= place.sSrcLine.size()) return text;
   for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
@@ -19,7 +18,7 @@ std::string positionText(const tapforge::SourcePlace& place) {
 
 }  // namespace
 
-const tapforge::MessageStyle kMessageStyle = {
+const MessageStyle kMessageStyle = {
     .toolName = "svf2tapbus",
     .startLabel = "Start ",
     .finishLabel = "Finish",
@@ -30,13 +29,13 @@ const tapforge::MessageStyle kMessageStyle = {
     .screenWipe = "\r                                                          ",
 };
 
-const tapforge::SyntaxRules kSyntaxRules = {
+const SyntaxRules kSyntaxRules = {
     .positionText = positionText,
     .numberTooLong = {"Beyond max number width [", "]"},
     .tokenMissing = {"Expecting [", "]"},
     .endOfFile = "Unexpected EOF",
     .endOfFileHasPosition = true,
-    .lineEnds = tapforge::LineEnds::lineFeedOrReturn,
+    .lineEnds = LineEnds::lineFeedOrReturn,
     .linesAreCut = true,
     .slashIsToken = true,
     .blankIsItem = false,
@@ -45,4 +44,4 @@ const tapforge::SyntaxRules kSyntaxRules = {
     .pathErrorNamesState = false,
 };
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

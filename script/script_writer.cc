@@ -4,16 +4,11 @@
 
 #include "io/text.h"
 #include "scan/scan_statement.h"
-#include "script/hex_lines.h"
 #include "svf/numbers.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 
-using tapforge::concat;
-using tapforge::HexCase;
-using tapforge::ScanValue;
-using tapforge::StatusStyle;
-using Kind = tapforge::RunTestPart::Kind;
+using Kind = RunTestPart::Kind;
 
 void ScriptWriter::commentText(std::string_view piece) {
   if (!inComment_) output_.write(words_.comment.view());
@@ -54,7 +49,7 @@ void ScriptWriter::pathState(std::string_view asWritten) {
 void ScriptWriter::frequency(float hertz) {
   sBufStatement_ = words_.remark;
   sBufStatement_ += "FREQUENCY";
-  if (hertz > 0) sBufStatement_ += concat(" ", tapforge::truncated(hertz), " Hz");
+  if (hertz > 0) sBufStatement_ += concat(" ", truncated(hertz), " Hz");
   sBufStatement_ += " ;";
 }
 
@@ -63,15 +58,15 @@ void ScriptWriter::trst(std::string_view modeAsWritten) {
   sBufStatement_ += concat("TRST ", modeAsWritten, " ;");
 }
 
-void ScriptWriter::runTestPart(const tapforge::RunTestPart& part) {
+void ScriptWriter::runTestPart(const RunTestPart& part) {
   switch (part.kind) {
     case Kind::runState:
     case Kind::endState:
       sBufStatement_ += part.kind == Kind::runState ? words_.runState : words_.endState;
-      sBufStatement_ += tapforge::getTapStateName(part.state);
+      sBufStatement_ += getTapStateName(part.state);
       break;
     case Kind::count:
-      runCount(tapforge::truncated(part.number.asFloat()), part.asWritten);
+      runCount(truncated(part.number.asFloat()), part.asWritten);
       break;
     case Kind::minTime:
       minTime(part.number.asFloat());
@@ -96,7 +91,7 @@ void ScriptWriter::doDataShift(Keyword keyword, CTapObj& tap, LineRest rest) {
 
 void ScriptWriter::writeScan(Keyword keyword, RegisterScan& scan, LineRest rest) {
   const std::int64_t length =
-      vars_.iSvfSyntaxCheck ? scan.data().lLength() : tapforge::compositeLength(scan, report_);
+      vars_.iSvfSyntaxCheck ? scan.data().lLength() : compositeLength(scan, report_);
   // A scan of short values is written into one reserved stretch of the output.
   char* out = output_.reserve(kScanText);
   out = words_.scan[keyword == Keyword::sdr ? 1 : 0].copyTo(out);
@@ -136,29 +131,27 @@ char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan
 // value go out in lines, each reserved for itself.
 inline char* ScriptWriter::consolidateData(char* out, const RegisterScan& scan, ScanValue value,
                                            std::int64_t length) {
-  const std::int64_t digits = tapforge::digitsOf(length);
-  if (length <= tapforge::kWordBits) {
-    return tapforge::putDigits(out, tapforge::ShortScan{scan.shortBits(value)}, 0, digits,
-                               HexCase::lower);
+  const std::int64_t digits = digitsOf(length);
+  if (length <= kChunkBits) {
+    return putDigits(out, ShortScan{scan.shortBits(value)}, 0, digits, HexCase::lower);
   }
-  constexpr std::int64_t kProgressStep = 200000;  // digits
-  static_assert(kProgressStep % kDigitsPerLine == 0, "progress is shown between two lines");
+  constexpr std::int64_t kWriteProgress = 200000;  // digits written so far
+  static_assert(kWriteProgress % kDigitsPerLine == 0, "progress is shown between two lines");
   output_.advance(out);
   // The digits of the lines after the first are right under those of the first.
   writeHexLines(output_, CompositeScan(scan, value, length), digits, HexCase::lower, "\n         ",
                 [this](std::int64_t first) {
-                  if (first == 0 || first % kProgressStep != 0) return;
-                  report_.statusMsg(
-                      concat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
-                      StatusStyle::rewind);
+                  if (first == 0 || first % kWriteProgress != 0) return;
+                  report_.statusMsg(concat("*** Writing hex char #", paddedDecimal(first, 8)),
+                                    StatusStyle::rewind);
                 });
-  if (digits > kProgressStep) report_.statusMsg("", StatusStyle::wipe);
+  if (digits > kWriteProgress) report_.statusMsg("", StatusStyle::wipe);
   return output_.reserve(kScanText);
 }
 
 void ScriptWriter::printDataAndMask(std::string_view keyword, const CTapPattern& pattern,
                                     bool withTdo) {
-  if (pattern.pTdi() == nullptr) report_.nullPtrChk(false, "TDI=NULL");
+  if (pattern.pTdi() == nullptr) report_.fatal("Null Ptr [TDI=NULL]", Where::nowhere);
   const std::int64_t length = pattern.lLength();
   printValue({keyword, ScanValue::tdi, *pattern.pTdi(), pattern.pSmask(), length});
   if (!withTdo || pattern.pTdo() == nullptr) return;
@@ -169,4 +162,4 @@ void ScriptWriter::printDataAndMask(std::string_view keyword, const CTapPattern&
   }
 }
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

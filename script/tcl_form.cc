@@ -5,10 +5,8 @@
 #include "script/script_writer.h"
 #include "svf/numbers.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 namespace {
-
-using tapforge::concat;
 
 constexpr FormWords kWords = {
     .comment = "#-",
@@ -29,15 +27,14 @@ class TclWriter final : public ScriptWriter {
 
   void endStateStatement(ScanRegister which, TapState state) override {
     sBufStatement_.clear();
-    sBufStatement_ +=
-        concat("set_property ENDSTATE_", which == ScanRegister::data ? "DR" : "IR", " {",
-               tapforge::xToUpper(tapforge::getTapStateName(state)), "} $current_tapbus");
+    sBufStatement_ += concat("set_property ENDSTATE_", which == ScanRegister::data ? "DR" : "IR",
+                             " {", xToUpper(getTapStateName(state)), "} $current_tapbus");
   }
 
  private:
   void runCount(std::int64_t count, std::string_view /*unit*/) override { splitWait(count); }
   void minTime(float seconds) override {
-    splitWait(tapforge::truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
+    splitWait(truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
   }
   void maxTime(float /*seconds*/) override {
     report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
@@ -85,15 +82,15 @@ class TclWriter final : public ScriptWriter {
   }
 
   void printDigits(const Value& value) {
-    constexpr std::int64_t kProgressStep = 10000;  // digits
-    const bool isMask = value.which == tapforge::ScanValue::mask;
+    constexpr std::int64_t kTclProgress = 10000;  // digits of one value that are left
+    const bool isMask = value.which == ScanValue::mask;
     const std::string_view progress = isMask ? "Process mask data char " : "Process data char ";
     value.withBits([&](const auto& bits) {
-      for (std::int64_t top = tapforge::digitsOf(value.length) - 1; top >= 0;) {
-        const std::int64_t last = top - top % kProgressStep;
-        tapforge::writeDigits(output_, bits, top, top - last + 1, tapforge::HexCase::upper);
+      for (std::int64_t top = digitsOf(value.length) - 1; top >= 0;) {
+        const std::int64_t last = top - top % kTclProgress;
+        writeDigits(output_, bits, top, top - last + 1, HexCase::upper);
         if (report_.wantsStatus()) {
-          report_.statusMsg(concat(progress, last), tapforge::StatusStyle::rewind);
+          report_.statusMsg(concat(progress, last), StatusStyle::rewind);
         }
         top = last - 1;
       }
@@ -108,4 +105,4 @@ std::unique_ptr<ScriptWriter> makeTclWriter(const ScriptVars& vars, OutputFile& 
   return std::make_unique<TclWriter>(vars, output, report);
 }
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

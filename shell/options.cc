@@ -5,13 +5,6 @@
 #include <utility>
 
 namespace tapforge {
-namespace {
-
-void setOptionKeys(std::int64_t lOptionKey, Reporter& report) {
-  if (lOptionKey % 2 != 0) report.setScreen(true);
-}
-
-}  // namespace
 
 std::optional<std::string> ArgCursor::getCmdToken() {
   if (atEnd()) return std::nullopt;
@@ -72,7 +65,7 @@ bool takeLogFile(const OptionCall& call) {
 
 bool takeOptionKey(const OptionCall& call) {
   const std::int64_t lOptionKey = decimalArgument(call, "specify option key");
-  setOptionKeys(lOptionKey, call.files.report);
+  if (lOptionKey % 2 != 0) call.files.report.setScreen(true);
   return true;
 }
 

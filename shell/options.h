@@ -1,6 +1,7 @@
 #ifndef TAPFORGE_SHELL_OPTIONS_H
 #define TAPFORGE_SHELL_OPTIONS_H
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -10,7 +11,7 @@
 #include <string_view>
 
 #include "io/text.h"
-#include "shell/run_files.h"
+#include "shell/run.h"
 
 namespace tapforge {
 
@@ -73,6 +74,12 @@ bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t&
 
 // Actions of options that only set one variable, a member of Vars.
 
+/// Has no value and no effect.
+template <typename Vars>
+bool takeNothing(const OptionCall& /*call*/, Vars& /*vars*/) {
+  return true;
+}
+
 /// Has no value.
 template <auto variable, typename Vars>
 bool setFlag(const OptionCall& /*call*/, Vars& vars) {
@@ -116,23 +123,15 @@ constexpr Option<Vars> kFrequencyOption = {
 
 // The walk.
 
-/// Looks the option up in the table and takes it. Returns false if it is not
-/// there or could not be taken.
-template <typename Vars>
-bool processProgOptions(const OptionCall& call, std::span<const Option<Vars>> table, Vars& vars) {
-  for (const Option<Vars>& option : table) {
-    if (option.name == call.name) return option.take(call, vars);
-  }
-  return false;
-}
-
 /// Takes options until the end or the first argument that is none. Returns the
-/// name of an option that could not be taken, if there was one.
+/// name of an option that is not in the table or could not be taken, if there was
+/// one.
 template <typename Vars>
 std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<Vars>> table,
                                        Vars& vars, RunFiles& files) {
   while (std::optional<std::string> name = args.option()) {
-    if (!processProgOptions({*name, args, files}, table, vars)) return name;
+    const auto row = std::ranges::find(table, *name, &Option<Vars>::name);
+    if (row == table.end() || !row->take({*name, args, files}, vars)) return name;
   }
   return std::nullopt;
 }
@@ -140,7 +139,7 @@ std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<V
 /// Ends the run with status 1 after printing the text on standard error.
 [[noreturn]] void exitUsage(std::string_view text);
 
-/// The frame of an option list: a tab and 75 "=".
+/// The line before and after an option list: a tab and 75 "=".
 inline constexpr std::string_view kRuleLine =
     "\t===========================================================================";
 static_assert(kRuleLine.size() == 76);

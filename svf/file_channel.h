@@ -17,7 +17,7 @@
 
 namespace tapforge {
 
-/// `cutSlash` is the punctuation "/" as the last character of a part of a line. The
+/// `cutSlash` is the punctuation "/" as the last character of a segment of a line. The
 /// types up to it, and only these, are read with the character after the token.
 enum class TokenType : std::uint8_t { word, number, cutSlash, punctuation, other };
 
@@ -84,9 +84,8 @@ class FileChannel final : public InputPosition {
 
   /// Compares the current token in lower case.
   bool is(const Word& word) const {
-    if (word.text.size() > sizeof key_) return isLong(word.text);
     // No character of a word is 0, so a key of fewer than eight tells their number too.
-    return key_ == word.key && (word.text.size() < sizeof key_ || tokenSize_ == sizeof key_);
+    return key_ == word.key && (word.text.size() < sizeof key_ || isLong(word.text));
   }
 
   TokenType type() const { return iTokenType_; }
@@ -198,9 +197,9 @@ class FileChannel final : public InputPosition {
   std::int64_t readTo() const;
   void countLinesTo(std::int64_t offset);
   bool endsLine(unsigned char c) const;
-  bool endsPart(const unsigned char* p);
+  bool endsSegment(const unsigned char* p);
   std::string_view getSrcLine(std::int64_t begin);
-  bool inEmptyPart(std::int64_t to) const;
+  bool inEmptySegment(std::int64_t to) const;
   SourcePlace place();
   LineRest longLineRest();
   void storeSrc();

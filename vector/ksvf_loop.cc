@@ -1,4 +1,4 @@
-#include "vector/ksvf_loop.h"
+#include "vector/ksvf_mode.h"
 
 #include <algorithm>
 
@@ -7,25 +7,19 @@
 #include "svf/numbers.h"
 #include "svf/runtest.h"
 #include "svf/state_statements.h"
-#include "svf/statement_loop.h"
 #include "vector/ksvf_moves.h"
 #include "vector/ksvf_scans.h"
-#include "vector/ksvf_traits.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
-
-using tapforge::concat;
-using tapforge::FileChannel;
-using tapforge::Where;
 
 /// Hands what the parsers read to the writers. What it adds is the order: when
 /// a pending scan is written, where the source comments of -kprintsrc go, and which
 /// end state waits for the RUNTEST after it.
-class KsvfLoop final : private tapforge::CommentSink {
+class KsvfLoop final : private CommentSink {
  public:
-  KsvfLoop(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
-           OutputFile* listing, Reporter& report)
+  KsvfLoop(const KsvfVars& vars, InputFile& input, OutputFile& output, OutputFile* listing,
+           Reporter& report)
       : vars_(vars),
         report_(report),
         channel_(input, kSyntaxRules, report, this),
@@ -36,21 +30,25 @@ class KsvfLoop final : private tapforge::CommentSink {
   }
 
   bool processSVF() {
-    ksvfHeaderTrailer(Frame::header);
-    const bool allKnown = tapforge::doStatements(channel_, *this);
-    ksvfHeaderTrailer(Frame::trailer);
+    commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
+    if (vars_.iOptPrintSrc >= 1) {
+      commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
+    }
+    bool allKnown = true;
+    for (channel_.resetSrcLineBuf(); channel_.lexKeyword(); channel_.resetSrcLineBuf()) {
+      allKnown = doStatement(channel_, *this) && allKnown;
+    }
+    scans_.writePending(StaleCount::cancel);
+    commands_.write(Command::KCOMPLETE);
     return allKnown;
   }
-
-  void beforeKeyword() { channel_.resetSrcLineBuf(); }
-  void afterKeyword() {}
 
   void doScan(Keyword keyword) {
     scans_.writeOverwritten(keyword);
     if (shiftsData(keyword)) pGlobTapData_.iSvfTrstRule = true;
-    const bool accepted = tapforge::readTapData(keyword, pGlobTapData_, channel_);
+    const bool accepted = readTapData(keyword, pGlobTapData_, channel_);
     writeSvfSrc();
-    if (!accepted) tapforge::endByRuleViolation(report_);
+    if (!accepted) endByRuleViolation(report_);
     if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
     if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
     scans_.doDataShift(keyword);
@@ -61,22 +59,18 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   void doState() {
     scans_.writePending(StaleCount::cancel);
-    tapforge::StatePathReader pStatePath(iCurState_, channel_);
-    TapState previous = iCurState_;
-    while (const auto step = pStatePath.next()) {
-      if (step->oneClock) {
-        moves_.addTapTransition(step->state);
+    iCurState_ = readStatePath(iCurState_, channel_, [this](const PathStep& step) {
+      if (step.oneClock) {
+        moves_.addTapTransition(step.state);
       } else {
-        moves_.doStableState(previous, step->state);
+        moves_.doStableState(step.from, step.state);
       }
-      previous = step->state;
-    }
-    iCurState_ = previous;
+    });
     statementDone();
   }
 
   void doEndState(ScanRegister which) {
-    const TapState state = tapforge::readEndState(channel_);
+    const TapState state = readEndState(channel_);
     (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
     const bool beforeRunTest = nextIsRunTest();
     if (beforeRunTest && !vars_.giUseKwait) {
@@ -97,7 +91,7 @@ class KsvfLoop final : private tapforge::CommentSink {
     // RUNTESTs in a row are one wait.
     while (!vars_.giUseKwait && nextIsRunTest()) {
       channel_.lex();
-      count = tapforge::saturatedSum(count, readRunCount());
+      count = saturatedSum(count, readRunCount());
     }
     count = std::max(count, vars_.lRunMin);
     if (vars_.giUseKwait) {
@@ -117,44 +111,30 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   void doFrequency() {
     scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.fTckFreq = tapforge::readFrequency(channel_);
+    pGlobTapData_.fTckFreq = readFrequency(channel_);
     statementDone();
   }
 
   void doTrst() {
     scans_.writePending(StaleCount::cancel);
     pGlobTapData_.iTrstMode =
-        tapforge::readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+        readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
     statementDone();
   }
 
   void doPioMap() {
     scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.pPioMap = tapforge::readPioMap(channel_);
+    pGlobTapData_.pPioMap = readPioMap(channel_);
     statementDone();
   }
 
   void doPio() {
     scans_.writePending(StaleCount::cancel);
-    tapforge::readPio(pGlobTapData_.pPioMap, channel_);
+    readPio(pGlobTapData_.pPioMap, channel_);
     statementDone();
   }
 
  private:
-  enum class Frame { header, trailer };
-
-  void ksvfHeaderTrailer(Frame which) {
-    if (which == Frame::trailer) {
-      scans_.writePending(StaleCount::cancel);
-      commands_.write(Command::KCOMPLETE);
-      return;
-    }
-    commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
-    if (vars_.iOptPrintSrc >= 1) {
-      commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
-    }
-  }
-
   // Comments of the source go out with the text before them, which is then not
   // repeated with the statement.
   void commentText(std::string_view /*piece*/) override {}
@@ -187,20 +167,19 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   // Reads one RUNTEST, stores its states and returns its count in TCKs.
   std::int64_t readRunCount() {
-    tapforge::RunTestNumbers numbers;
-    tapforge::RunTestReader reader(channel_);
-    while (const auto part = reader.next()) {
-      numbers.add(*part);
-      using Kind = tapforge::RunTestPart::Kind;
-      if (part->kind == Kind::runState) pGlobTapData_.iRunState = part->state;
-      if (part->kind == Kind::endState) pGlobTapData_.iRunEndState = part->state;
-      if (part->kind == Kind::time) numbers.fRunCount = countOfTime(*part);
-    }
-    tapforge::checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
-    return tapforge::truncated(numbers.fRunCount);
+    RunTestNumbers numbers;
+    readRunTest(channel_, [&](const RunTestPart& part) {
+      numbers.add(part);
+      using Kind = RunTestPart::Kind;
+      if (part.kind == Kind::runState) pGlobTapData_.iRunState = part.state;
+      if (part.kind == Kind::endState) pGlobTapData_.iRunEndState = part.state;
+      if (part.kind == Kind::time) numbers.fRunCount = countOfTime(part);
+    });
+    checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
+    return truncated(numbers.fRunCount);
   }
 
-  float countOfTime(const tapforge::RunTestPart& part) {
+  float countOfTime(const RunTestPart& part) {
     const std::int64_t frequency = vars_.lGlobTckFreq;
     if (frequency == -1) {
       report_.warning("Use tck_freq option to convert time delay into equivalent TCK count");
@@ -209,11 +188,10 @@ class KsvfLoop final : private tapforge::CommentSink {
     report_.warning(
         concat("Converting delay to equivalent TCK count using tck_freq = ", frequency, " Hz"),
         Where::nowhere);
-    const tapforge::Number& time = part.number;
-    const bool whole = time.kind == tapforge::Number::Kind::integer;
-    const std::int64_t clocks =
-        whole ? tapforge::saturatedProduct(time.integer, frequency)
-              : tapforge::truncated(time.real * static_cast<float>(frequency));
+    const Number& time = part.number;
+    const bool whole = time.kind == Number::Kind::integer;
+    const std::int64_t clocks = whole ? saturatedProduct(time.integer, frequency)
+                                      : truncated(time.real * static_cast<float>(frequency));
     report_.warning(concat("=> ", whole ? std::to_string(time.integer) : std::to_string(time.real),
                            " ", channel_.tokenLower(), " to ", clocks, " TCKs"));
     return static_cast<float>(clocks);
@@ -236,9 +214,9 @@ class KsvfLoop final : private tapforge::CommentSink {
 
 }  // namespace
 
-bool processSVF(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
-                OutputFile* listing, Reporter& report) {
+bool processSVF(const KsvfVars& vars, InputFile& input, OutputFile& output, OutputFile* listing,
+                Reporter& report) {
   return KsvfLoop(vars, input, output, listing, report).processSVF();
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

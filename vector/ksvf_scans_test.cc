@@ -5,10 +5,10 @@
 
 #include "tests/support/in_memory.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
 
-using tapforge::testing::toKsvf;
+using testing::toKsvf;
 
 // The commands of a listing without their operands, but for run counts and
 // sizes: enough to see which goes where.
@@ -66,4 +66,4 @@ TEST(KsvfScans, RunCountsOfStatementSequences) {
 }
 
 }  // namespace
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "io/block_size.h"
 #include "io/files.h"
 #include "io/reporter.h"
 #include "svf/file_channel.h"

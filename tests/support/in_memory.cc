@@ -14,12 +14,10 @@
 #include <vector>
 
 #include "io/output_file.h"
-#include "script/script_loop.h"
-#include "script/script_traits.h"
+#include "script/script_mode.h"
 #include "script/script_writer.h"
 #include "tests/support/fakes.h"
-#include "vector/ksvf_loop.h"
-#include "vector/ksvf_traits.h"
+#include "vector/ksvf_mode.h"
 
 namespace tapforge::testing {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "script/script_vars.h"
-#include "vector/ksvf_vars.h"
+#include "script/script_mode.h"
+#include "vector/ksvf_mode.h"
 
 namespace tapforge::testing {
 

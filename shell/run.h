@@ -1,6 +1,7 @@
-#ifndef TAPFORGE_SHELL_RUN_FILES_H
-#define TAPFORGE_SHELL_RUN_FILES_H
+#ifndef TAPFORGE_SHELL_RUN_H
+#define TAPFORGE_SHELL_RUN_H
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,12 +41,12 @@ class RunFiles {
   /// "cannot open".
   void addInput(const std::string& name);
 
-  /// Opens an output as `channel`, in place of an earlier one, after asking if
+  /// Opens an output as `output`, in place of an earlier one, after asking if
   /// need be; a refusal ends the run with status 1. Fatal as
   /// refuseInputAsOutput(), "[name] is already written by this run" if it is
   /// another output or the file that standard output or error goes to, and
   /// "cannot open".
-  void makeChannel(std::unique_ptr<OutputFile>& channel, const std::string& name);
+  void makeChannel(std::unique_ptr<OutputFile>& output, const std::string& name);
 
   /// Fatal "Output filename same as input" if this is the name of the first
   /// input or the file of any.
@@ -65,6 +66,12 @@ class RunFiles {
   std::vector<std::unique_ptr<OutputFile>> replaced_;
 };
 
+/// Runs a mode to its exit status. `conversion` reads the options and converts;
+/// it returns whether all went well, or ends early by ProgramEnd, WriteFailed
+/// or std::bad_alloc. Afterwards every file has been flushed and closed, and
+/// whatever could not be written has been reported and made the status 1.
+int runProgram(RunFiles& files, const std::function<bool()>& conversion);
+
 }  // namespace tapforge
 
-#endif  // TAPFORGE_SHELL_RUN_FILES_H
+#endif  // TAPFORGE_SHELL_RUN_H

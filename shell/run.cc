@@ -1,6 +1,7 @@
-#include "shell/run_files.h"
+#include "shell/run.h"
 
 #include <cstdio>
+#include <new>
 #include <utility>
 
 #include "io/text.h"
@@ -12,13 +13,13 @@ void RunFiles::addInput(const std::string& name) {
   const auto isInput = [&name](const std::unique_ptr<OutputFile>& output) {
     return output != nullptr && sameRegularFile(output->name(), name);
   };
-  for (std::unique_ptr<OutputFile>* channel : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
-    if (!isInput(*channel)) continue;
+  for (std::unique_ptr<OutputFile>* output : {&pFC_Output, &pFC_Ascii, &pFC_Log}) {
+    if (!isInput(*output)) continue;
     same = true;
     // An empty one can lose nothing and stays open, so a log takes the message.
-    if ((*channel)->begun()) continue;
-    if (channel == &pFC_Log) report.setLog(nullptr);
-    channel->reset();
+    if ((*output)->begun()) continue;
+    if (output == &pFC_Log) report.setLog(nullptr);
+    output->reset();
   }
   std::erase_if(replaced_, isInput);
   if (same) report.fileError("Input filename same as output");
@@ -28,9 +29,9 @@ void RunFiles::addInput(const std::string& name) {
   pFC_Input.push_back({name, std::move(file)});
 }
 
-void RunFiles::makeChannel(std::unique_ptr<OutputFile>& channel, const std::string& name) {
-  if (channel != nullptr && !channel->begun()) replaced_.push_back(std::move(channel));
-  channel.reset();
+void RunFiles::makeChannel(std::unique_ptr<OutputFile>& output, const std::string& name) {
+  if (output != nullptr && !output->begun()) replaced_.push_back(std::move(output));
+  output.reset();
   refuseInputAsOutput(name);
   // Two outputs would overwrite each other without a word, and so would an
   // output and the messages.
@@ -44,10 +45,10 @@ void RunFiles::makeChannel(std::unique_ptr<OutputFile>& channel, const std::stri
                                     'E', emptyAnswer_);
     if (answer != 'O') throw ProgramEnd{1};
   }
-  channel = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);
+  output = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);
   // The same file under an earlier option is emptied as this one, once.
-  std::erase_if(replaced_, [&name](const std::unique_ptr<OutputFile>& output) {
-    return sameRegularFile(output->name(), name);
+  std::erase_if(replaced_, [&name](const std::unique_ptr<OutputFile>& earlier) {
+    return sameRegularFile(earlier->name(), name);
   });
 }
 
@@ -72,6 +73,41 @@ std::vector<OutputFile*> RunFiles::outputs() const {
     if (output != nullptr) all.push_back(output);
   }
   return all;
+}
+
+int runProgram(RunFiles& files, const std::function<bool()>& conversion) {
+  Reporter& report = files.report;
+  int status = 1;
+  bool failed = true;  // an error has been reported, and the times after it
+  try {
+    const bool good = conversion();
+    // Before the run is reported as finished: a full disk shows only here.
+    for (OutputFile* file : files.outputs()) {
+      if (file != files.pFC_Log.get()) file->close();
+    }
+    report.finishClock();
+    status = good ? 0 : 1;
+    failed = false;
+  } catch (const ProgramEnd& end) {
+    status = end.status;
+    failed = status != 0;
+  } catch (const WriteFailed& lost) {
+    report.printFatal(fileErrorText(lost.name), Where::nowhere);
+  } catch (const std::bad_alloc&) {
+    report.printFatal("Null Ptr [memory]", Where::nowhere);
+  }
+  bool whole = true;
+  for (OutputFile* file : files.outputs()) {
+    try {
+      file->close();
+    } catch (const WriteFailed& lost) {
+      report.errHandler(Level::error, fileErrorText(lost.name), Where::nowhere);
+      whole = false;
+    }
+  }
+  if (whole) return status;
+  if (!failed) report.printFinish();
+  return 1;
 }
 
 }  // namespace tapforge
