@@ -16,6 +16,7 @@ del sys.argv[1:3]
 REFUSED = ("bare-maximum", "sck")
 OPTIONS = ("-kwait -extensions", "-kwait -extensions -r 0", "-fpga -rlen 64", "-useKSDR -r 2",
            "-v2", "-multiple_runtest -kprintsrc 3")
+GPIO = pathlib.Path("/usr/include/linux/gpio.h")
 SIMAVR = pathlib.Path("/usr/include/simavr/sim_avr.h")
 TRACED = "-std=c99 -Iplayer -DKSVF_OWN_WAIT=1 -DKSVF_MAX_BITS=6000 "
 PLAYER = " player/ksvf_player.c player/ksvf_report.c"
@@ -139,7 +140,8 @@ class Ports(unittest.TestCase):
         done = subprocess.run([*sender, "-chain"], timeout=30, capture_output=True, text=True)
         self.assertEqual((done.stdout, done.returncode), ("TDO stays 0\n", 0))
 
-    @unittest.skipUnless(pathlib.Path("/usr/include/linux/gpio.h").exists(), "no linux/gpio.h")
+    @unittest.skipUnless(GPIO.exists() and "GPIO_V2_GET_LINE_IOCTL" in GPIO.read_text(),
+                         "no version 2 of the GPIO interface")
     def test_linux_gpio(self):
         trace = "-std=gnu99 -Iplayer -Dsimulated_tap_clock=plain_tap_clock -c "
         self.build("cc", trace + "player/simulated_tap.c", "tap.o")
