@@ -60,19 +60,29 @@ static double now(void) {
 
 static void set(struct Board* board, uint32_t level, uint32_t mask) {
   struct gpio_v2_line_values values = {.bits = level, .mask = (level ^ board->level) & mask};
-  if (values.mask == 0) return;
-  if (ioctl(board->lines, GPIO_V2_LINE_SET_VALUES_IOCTL, &values) != 0) fail("set a line");
+  if (values.mask == 0) {
+    return;
+  }
+  if (ioctl(board->lines, GPIO_V2_LINE_SET_VALUES_IOCTL, &values) != 0) {
+    fail("set a line");
+  }
   board->level ^= (uint32_t)values.mask;
 }
 
 int ksvf_port_clock(void* port, int tms, int tdi) {
   struct Board* board = (struct Board*)port;
   struct gpio_v2_line_values tdo = {.mask = BIT(kTdo)};
-  if (interrupted) return KSVF_STOP;
+  if (interrupted) {
+    return KSVF_STOP;
+  }
   set(board, (tms != 0 ? BIT(kTms) : 0) | (tdi != 0 ? BIT(kTdi) : 0), BIT(kTms) | BIT(kTdi));
-  while (now() < board->due) continue;
+  while (now() < board->due) {
+    continue;
+  }
   board->due = now() + board->period;
-  if (ioctl(board->lines, GPIO_V2_LINE_GET_VALUES_IOCTL, &tdo) != 0) fail("read TDO");
+  if (ioctl(board->lines, GPIO_V2_LINE_GET_VALUES_IOCTL, &tdo) != 0) {
+    fail("read TDO");
+  }
   set(board, BIT(kTck), BIT(kTck));
   set(board, 0, BIT(kTck));
   return (tdo.bits & BIT(kTdo)) != 0;
@@ -82,11 +92,11 @@ int ksvf_port_read(void* port) {
   struct Board* board = (struct Board*)port;
   const int byte = getc(board->file);
   const long percent = 100 * (long)board->player.offset / (board->size + 1);
-  if (percent != board->percent && isatty(STDERR_FILENO)) {
+  if ((percent != board->percent) && isatty(STDERR_FILENO)) {
     board->percent = percent;
     fprintf(stderr, "%s %2ld %%\r", board->player.dry ? "check" : "play ", percent);
   }
-  return byte == EOF ? -1 : byte;
+  return (byte == EOF) ? -1 : byte;
 }
 
 static void put(void* port, char character) {
@@ -101,8 +111,12 @@ static void open_lines(struct Board* board, const char* chip, unsigned count,
   struct gpio_v2_line_config* config = &request.config;
   const int fd = open(chip, O_RDWR | O_CLOEXEC);
   unsigned line;
-  if (fd < 0) fail(chip);
-  for (line = 0; line < count; ++line) request.offsets[line] = numbers[line];
+  if (fd < 0) {
+    fail(chip);
+  }
+  for (line = 0; line < count; ++line) {
+    request.offsets[line] = numbers[line];
+  }
   board->level = (BIT(count) - 1) & ~(BIT(kTck) | BIT(kTdo));
   config->flags = GPIO_V2_LINE_FLAG_OUTPUT;
   config->num_attrs = 2;
@@ -112,19 +126,25 @@ static void open_lines(struct Board* board, const char* chip, unsigned count,
   config->attrs[1].attr.id = GPIO_V2_LINE_ATTR_ID_OUTPUT_VALUES;
   config->attrs[1].attr.values = board->level;
   config->attrs[1].mask = (BIT(count) - 1) & ~BIT(kTdo);
-  if (ioctl(fd, GPIO_V2_GET_LINE_IOCTL, &request) != 0) fail(chip);
+  if (ioctl(fd, GPIO_V2_GET_LINE_IOCTL, &request) != 0) {
+    fail(chip);
+  }
   board->lines = request.fd;
 }
 
 static void open_file(struct Board* board, const char* name) {
   board->file = fopen(name, "rb");
-  if (board->file == NULL || fseek(board->file, 0, SEEK_END) != 0) fail(name);
+  if ((board->file == NULL) || (fseek(board->file, 0, SEEK_END) != 0)) {
+    fail(name);
+  }
   board->size = ftell(board->file);
   rewind(board->file);
 }
 
 static bool told(struct Board* board) {
-  if (isatty(STDERR_FILENO)) fputc('\n', stderr);
+  if (isatty(STDERR_FILENO)) {
+    fputc('\n', stderr);
+  }
   ksvf_report_result(&board->player, put);
   (void)putchar('\n');
   return board->player.result == KSVF_DONE;
@@ -143,38 +163,48 @@ int main(int argc, char** argv) {
   static struct Board board = {.period = 1e-6};
   unsigned numbers[kLines];
   unsigned count = kTrst;
+  char** arguments;
+  int given;
   int option;
   int line;
   while ((option = getopt(argc, argv, "f:r:")) != -1) {
-    if (option == '?') return usage();
-    if (option == 'f') board.period = 1 / strtod(optarg, NULL);
+    if (option == '?') {
+      return usage();
+    }
+    if (option == 'f') {
+      board.period = 1 / strtod(optarg, NULL);
+    }
     if (option == 'r') {
       numbers[kTrst] = (unsigned)strtoul(optarg, NULL, 10);
       count = kLines;
     }
   }
-  argv += optind;
-  argc -= optind;
-  if (argc < 5 || argc > 6) return usage();
-  for (line = kTck; line <= kTdo; ++line) {
-    numbers[line] = (unsigned)strtoul(argv[1 + line], NULL, 10);
+  arguments = argv + optind;
+  given = argc - optind;
+  if ((given < 5) || (given > 6)) {
+    return usage();
   }
-  if (argc == 6) {
-    open_file(&board, argv[5]);
+  for (line = kTck; line <= kTdo; ++line) {
+    numbers[line] = (unsigned)strtoul(arguments[1 + line], NULL, 10);
+  }
+  if (given == 6) {
+    open_file(&board, arguments[5]);
     ksvf_begin_dry(&board.player, &board);
     if (ksvf_play(&board.player) != KSVF_DONE) {
       printf("refused before any pin was moved: ");
       return told(&board) ? 0 : 1;
     }
   }
-  open_lines(&board, argv[0], count, numbers);
+  open_lines(&board, arguments[0], count, numbers);
   (void)signal(SIGINT, interrupt);
   if (count > kTrst) {
     set(&board, 0, BIT(kTrst));
     (void)nanosleep(&reset_pulse, NULL);
     set(&board, BIT(kTrst), BIT(kTrst));
   }
-  if (argc == 5) return ksvf_report_chain(&board, put) > 0 ? 0 : 1;
+  if (given == 5) {
+    return ksvf_report_chain(&board, put) > 0 ? 0 : 1;
+  }
   rewind(board.file);
   ksvf_begin(&board.player, &board);
   (void)ksvf_play(&board.player);

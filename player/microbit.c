@@ -37,14 +37,18 @@ int ksvf_port_clock(void* port, int tms, int tdi) {
 void serial_put(unsigned char byte) {
   UART(0x11cU) = 0; /* TXDRDY */
   UART(0x51cU) = byte;
-  while (UART(0x11cU) == 0) continue;
+  while (UART(0x11cU) == 0) {
+    continue;
+  }
 }
 
 int serial_get(void) {
   TIMER(0x00cU) = 1;          /* CLEAR */
   while (UART(0x108U) == 0) { /* RXDRDY */
     TIMER(0x040U) = 1;        /* CAPTURE to CC[0] */
-    if (TIMER(0x540U) > 500000U) return -1;
+    if (TIMER(0x540U) > 500000U) {
+      return -1;
+    }
   }
   UART(0x108U) = 0;
   return (int)(UART(0x518U) & 0xffU);
@@ -63,7 +67,9 @@ int main(void) {
   UART(0x500U) = 4;           /* ENABLE */
   UART(0x000U) = 1;           /* STARTRX */
   UART(0x008U) = 1;           /* STARTTX */
-  for (;;) serial_port_serve();
+  for (;;) {
+    serial_port_serve();
+  }
 }
 
 /* What the chip finds at address 0, and what it does first. */
@@ -73,12 +79,16 @@ extern uint32_t __bss_end__[];
 
 static void reset(void) {
   volatile uint32_t* word;
-  for (word = __bss_start__; word < __bss_end__; ++word) *word = 0;
+  for (word = __bss_start__; (uintptr_t)word < (uintptr_t)__bss_end__; ++word) {
+    *word = 0;
+  }
   (void)main();
 }
 
 static void fault(void) {
-  for (;;) continue;
+  for (;;) {
+    continue;
+  }
 }
 
 __attribute__((section(".vectors"), used)) static void (*const vectors[])(void) = {

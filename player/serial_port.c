@@ -3,7 +3,7 @@
 #include "ksvf_player.h"
 #include "ksvf_report.h"
 
-enum { kTries = 20, kChain = 254, kEnd = 255 };
+enum { kTries = 20, kChain = 254 };
 
 static struct KsvfPlayer player;
 static uint8_t block[KSVF_BLOCK];
@@ -19,20 +19,11 @@ static void put(void* port, char character) {
   serial_put((unsigned char)character);
 }
 
-static void put_text(const char* text) {
-  for (; *text != 0; ++text) put(&player, *text);
-}
-
-static void put_number(uint32_t number) {
-  if (number >= 10) put_number(number / 10);
-  put(&player, (char)('0' + number % 10));
-}
-
 static void add_to_crc(uint8_t byte) {
   uint8_t bit;
   crc ^= (uint16_t)(byte << 8);
   for (bit = 0; bit < 8; ++bit) {
-    const uint16_t feedback = (crc & 0x8000U) != 0 ? 0x1021 : 0;
+    const uint16_t feedback = ((crc & 0x8000U) != 0) ? 0x1021 : 0;
     crc = (uint16_t)((crc << 1) ^ feedback);
   }
 }
@@ -40,7 +31,9 @@ static void add_to_crc(uint8_t byte) {
 /* -1 where a byte does not come in time. The checksum of a whole answer is 0. */
 static int get(void) {
   const int byte = serial_get();
-  if (byte >= 0) add_to_crc((uint8_t)byte);
+  if (byte >= 0) {
+    add_to_crc((uint8_t)byte);
+  }
   return byte;
 }
 
@@ -48,26 +41,37 @@ static int get(void) {
    the PC wants instead; -1 where the answer is not whole. */
 static int ask(void) {
   int count;
-  int byte = 0;
+  int byte;
   int i;
-  put_text(phase);
+  ksvf_put_text(&player, put, phase);
   put(&player, ' ');
-  put_number(offset);
+  ksvf_put_number(&player, put, offset, 10, 1);
   put(&player, ' ');
-  put_number(KSVF_BLOCK);
+  ksvf_put_number(&player, put, KSVF_BLOCK, 10, 1);
   put(&player, '\n');
   crc = 0xffff;
-  for (i = 24; i >= 0; i -= 8) add_to_crc((uint8_t)(offset >> i));
+  for (i = 24; i >= 0; i -= 8) {
+    add_to_crc((uint8_t)(offset >> i));
+  }
   count = get();
-  for (i = 0; i < count && count <= KSVF_BLOCK && byte >= 0; ++i) {
+  byte = count;
+  for (i = 0; (i < count) && (count <= KSVF_BLOCK) && (byte >= 0); ++i) {
     byte = get();
     block[i] = (uint8_t)byte;
   }
-  for (i = 0; i < 2 && byte >= 0; ++i) byte = get();
-  if (byte < 0) return -1;
-  if (crc == 0) return count;
+  for (i = 0; (i < 2) && (byte >= 0); ++i) {
+    byte = get();
+  }
+  if (byte < 0) {
+    return -1;
+  }
+  if (crc == 0) {
+    return count;
+  }
   /* Noise, or the answer to a question that was given up: let it pass. */
-  for (i = 0; i < 1000 && serial_get() >= 0; ++i) continue;
+  for (i = 0; (i < 1000) && (serial_get() >= 0); ++i) {
+    continue;
+  }
   return -1;
 }
 
@@ -75,15 +79,23 @@ int ksvf_port_read(void* port) {
   int count = -1;
   int tries;
   (void)port;
-  if (next < length) return block[next++];
-  /* Before the first block there is no play that a silent PC could leave behind. */
-  for (tries = 0; tries < kTries && count < 0; ++tries) {
-    count = ask();
-    if (offset == 0 && player.dry) tries = 0;
+  if (next < length) {
+    return block[next++];
   }
-  chain_wanted = count == kChain && offset == 0 && player.dry;
-  if (count > KSVF_BLOCK) return KSVF_STOP;
-  if (count <= 0) return -1;
+  /* Before the first block there is no play that a silent PC could leave behind. */
+  for (tries = 0; (tries < kTries) && (count < 0); ++tries) {
+    count = ask();
+    if ((offset == 0) && player.dry) {
+      tries = 0;
+    }
+  }
+  chain_wanted = (count == kChain) && (offset == 0) && player.dry;
+  if (count > KSVF_BLOCK) {
+    return KSVF_STOP;
+  }
+  if (count <= 0) {
+    return -1;
+  }
   length = (uint8_t)count;
   offset += length;
   next = 1;
@@ -106,9 +118,9 @@ void serial_port_serve(void) {
   }
   if (chain_wanted) {
     (void)ksvf_report_chain(&player, put);
-    put_text("end chain");
+    ksvf_put_text(&player, put, "end chain");
   } else {
-    put_text("end ");
+    ksvf_put_text(&player, put, "end ");
     ksvf_report_result(&player, put);
   }
   put(&player, '\n');

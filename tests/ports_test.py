@@ -136,7 +136,7 @@ class Ports(unittest.TestCase):
 
         # A file that is refused, and the chain.
         phase, text = send_ksvf.serve(pc, 10, self.files[0].read_bytes()[:-1])
-        self.assertRegex(f"{phase} {text}", "check file ends in a command at byte .* 00000000 ")
+        self.assertRegex(f"{phase} {text}", "check file ends in a command at byte .* 0 00000000")
         done = subprocess.run([*sender, "-chain"], timeout=30, capture_output=True, text=True)
         self.assertEqual((done.stdout, done.returncode), ("TDO stays 0\n", 0))
 

@@ -19,16 +19,12 @@ static int answer(const struct KsvfPlayer* player) {
   return (player->tdo[(player->bits - 1) / 8 - at / 8] >> at % 8 & 1) ^ (chance >> 22 == 0);
 }
 
-static void put_hex(void* port, KsvfPut put, uint32_t number) {
-  int i;
-  put(port, ' ');
-  for (i = 28; i >= 0; i -= 4) put(port, "0123456789abcdef"[number >> i & 15]);
-}
-
 void traced_result(const struct KsvfPlayer* player, KsvfPut put) {
   ksvf_report_result(player, put);
-  put_hex(player->port, put, clocks);
-  put_hex(player->port, put, pins);
+  put(player->port, ' ');
+  ksvf_put_number(player->port, put, clocks, 10, 1);
+  put(player->port, ' ');
+  ksvf_put_number(player->port, put, pins, 16, 8);
   clocks = pins = chance = bit = 0;
 }
 
