@@ -8,7 +8,7 @@
          -Wl,-e0,--section-start=.vectors=0,-Ttext=0x100,-Tdata=0x20000000 -o microbit.elf \
          microbit.c serial_port.c ksvf_player.c ksvf_report.c -lgcc
      arm-none-eabi-objcopy -O ihex microbit.elf microbit.hex
-     ./send_ksvf.py /dev/ttyACM0 file.ksvf */
+     python3 send_ksvf.py /dev/ttyACM0 file.ksvf */
 
 #include "ksvf_player.h"
 #include "serial_port.h"
