@@ -126,12 +126,15 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
       {"a scan from a pause captures anew",
        "KENDIR 01 KENDDR 01 KSIR 01 00 KSDRSIZE 1 KSDR 01 KSDR 00 KSIR 01 00 KENDIR 00 KSIR 01 01",
        "129ab<0>cd ef234<1>56 78234<0>56 7829ab<0>cd ef29ab<1>cf1"},
+      {"a scan goes on from its capture, and around from a shift",
+       "KSDRSIZE 1 KSTATE 03 KSDR 01 KSTATE 04 KSDR 00", "1234<1>581 234<1>58234<0>581"},
       {"the clocks of a scan lead from a pause to idle, where it stays",
        "KENDDR 01 KRUNTEST 1 KSDRSIZE 1 KSDR 01 KSTATE 06", "1234<1>56 781 1 2356"},
       {"named steps are a clock each, staying and shifting included",
        "KSTATE 01 KSTATE 01 KSTATE 02 KSTATE 03 KSTATE 04 KSTATE 04 KSTATE 05 KSTATE 06 KSTATE 06 "
-       "KSTATE 07 KSTATE 04 KSTATE 05 KSTATE 08 KSTATE 0b KSTATE 0b KSTATE 0e",
-       "1 1 2 3 4< 1 1>5 6 6 7 4< 1>5 8 29ab< 1 1>cde"},
+       "KSTATE 07 KSTATE 04 KSTATE 05 KSTATE 08 KSTATE 0b KSTATE 0b KSTATE 0d KSTATE 0d "
+       "KSTATE 0e",
+       "1 1 2 3 4< 1 1>5 6 6 7 4< 1>5 8 29ab< 1 1>cd d e"},
       {"a state without its steps is reached the short way, reset with five clocks",
        "KSTATE 0d KSTATE 06 KSTATE 01 KSTATE 00 KSTATE 00 KSTATE 0f KSTATE 04",
        "129acd ef2356 781 29000 00000 129acf 234<"},
