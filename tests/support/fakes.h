@@ -29,21 +29,8 @@ class RecordingReporter final : public Reporter {
   void printStatus(std::string_view line) override { status += line; }
 };
 
-/// A file in memory that goes on existing after its handle is closed.
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view text = {});
-  ~MemoryFile();
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-
-  /// A handle at its start; one at a time.
-  FilePtr open() const;
-  std::string text() const;
-
- private:
-  int file_;  // descriptor
-};
+/// A file without a name that holds a text, open at its start.
+FilePtr fileWith(std::string_view text);
 
 /// Files opened while it exists have blocks of this size.
 class WithBlockSize {
@@ -63,10 +50,9 @@ inline const std::array<std::size_t, 6> kBlockSizes = {1, 2, 3, 7, 16, std::size
 /// An SVF text as the parsers see it.
 struct Source {
   explicit Source(std::string_view text, const SyntaxRules& rules, CommentSink* comments = nullptr)
-      : file(text), input{"input", file.open()}, channel(input, rules, report, comments) {}
+      : input{"input", fileWith(text)}, channel(input, rules, report, comments) {}
 
   static constexpr MessageStyle kStyle{};
-  MemoryFile file;
   InputFile input;
   RecordingReporter report{kStyle};
   FileChannel channel;
