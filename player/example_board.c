@@ -22,7 +22,7 @@ struct Board {
 int ksvf_port_read(void* port) {
   const struct Board* board = (const struct Board*)port;
   const int byte = getc(board->file);
-  return byte == EOF ? -1 : byte;
+  return (byte == EOF) ? -1 : byte;
 }
 
 /* On a real board: set TMS and TDI, read TDO, raise TCK, lower TCK. */
@@ -30,7 +30,7 @@ int ksvf_port_clock(void* port, int tms, int tdi) {
   struct Board* board = (struct Board*)port;
   const int tdo = simulated_tap_tdo(&board->tap);
   if (board->show_tdo && (board->tap.state == KSVF_DR_SHIFT || board->tap.state == KSVF_IR_SHIFT)) {
-    printf(tms != 0 ? "%d\n" : "%d", tdo);
+    printf((tms != 0) ? "%d\n" : "%d", tdo);
   }
   simulated_tap_clock(&board->tap, tms, tdi);
   return tdo;
@@ -44,12 +44,14 @@ static void put(void* port, char character) {
 int main(int argc, char** argv) {
   static struct KsvfPlayer player;
   static struct Board board;
-  const char* option = argc > 1 && argv[1][0] == '-' ? argv[1] : "";
+  const char* option = ((argc > 1) && (argv[1][0] == '-')) ? argv[1] : "";
   const char* name = argv[argc - 1];
   simulated_tap_begin(&board.tap);
-  if (strcmp(option, "-chain") == 0) return ksvf_report_chain(&board, put) > 0 ? 0 : 1;
+  if (strcmp(option, "-chain") == 0) {
+    return ksvf_report_chain(&board, put) > 0 ? 0 : 1;
+  }
   board.show_tdo = strcmp(option, "-tdo") == 0;
-  board.file = argc > 1 && name != option ? fopen(name, "rb") : stdin;
+  board.file = ((argc > 1) && (name != option)) ? fopen(name, "rb") : stdin;
   if (board.file == NULL) {
     perror(name);
     return 2;

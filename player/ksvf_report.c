@@ -34,18 +34,26 @@ static uint32_t number_of(const struct KsvfPlayer* player, char letter) {
   }
 }
 
-static void put_number(void* port, KsvfPut put, uint32_t number, uint8_t base, uint8_t least) {
+void ksvf_put_number(void* port, KsvfPut put, uint32_t number, uint8_t base, uint8_t least) {
   char digits[10];
+  uint32_t rest = number;
   uint8_t count = 0;
   do {
-    digits[count++] = "0123456789abcdef"[number % base];
-    number /= base;
-  } while (number > 0 || count < least);
-  while (count > 0) put(port, digits[--count]);
+    digits[count] = "0123456789abcdef"[rest % base];
+    rest /= base;
+    ++count;
+  } while ((rest > 0) || (count < least));
+  while (count > 0) {
+    --count;
+    put(port, digits[count]);
+  }
 }
 
-static void put_text(void* port, KsvfPut put, const char* text) {
-  for (; *text != 0; ++text) put(port, *text);
+void ksvf_put_text(void* port, KsvfPut put, const char* text) {
+  size_t i;
+  for (i = 0; text[i] != 0; ++i) {
+    put(port, text[i]);
+  }
 }
 
 void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put) {
@@ -53,7 +61,7 @@ void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put) {
   for (; *text != 0; ++text) {
     if (*text == '%') {
       ++text;
-      put_number(player->port, put, number_of(player, *text), 10, 1);
+      ksvf_put_number(player->port, put, number_of(player, *text), 10, 1);
     } else {
       put(player->port, *text);
     }
@@ -61,10 +69,12 @@ void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put) {
 }
 
 static void put_device(void* port, KsvfPut put, unsigned device, uint32_t idcode) {
-  put_text(port, put, "device ");
-  put_number(port, put, device, 10, 1);
-  put_text(port, put, idcode == 0 ? ": no IDCODE" : ": IDCODE ");
-  if (idcode != 0) put_number(port, put, idcode, 16, 8);
+  ksvf_put_text(port, put, "device ");
+  ksvf_put_number(port, put, device, 10, 1);
+  ksvf_put_text(port, put, idcode == 0 ? ": no IDCODE" : ": IDCODE ");
+  if (idcode != 0) {
+    ksvf_put_number(port, put, idcode, 16, 8);
+  }
   put(port, '\n');
 }
 
@@ -75,7 +85,9 @@ unsigned ksvf_report_chain(void* port, KsvfPut put) {
   unsigned zeros = 0;
   unsigned i;
   uint32_t idcode = 0;
-  for (i = 0; i < sizeof to_shift_dr; ++i) (void)ksvf_port_clock(port, to_shift_dr[i], 1);
+  for (i = 0; i < sizeof to_shift_dr; ++i) {
+    (void)ksvf_port_clock(port, to_shift_dr[i], 1);
+  }
   while (zeros < kMostZeros && idcode != 0xffffffff) {
     if (ksvf_port_clock(port, 0, 1) == 0) {
       ++zeros;
@@ -83,14 +95,26 @@ unsigned ksvf_report_chain(void* port, KsvfPut put) {
     }
     idcode = 1;
     for (i = 1; i < 32; ++i) {
-      if (ksvf_port_clock(port, 0, 1) != 0) idcode |= (uint32_t)1 << i;
+      if (ksvf_port_clock(port, 0, 1) != 0) {
+        idcode |= (uint32_t)1 << i;
+      }
     }
-    for (; zeros > 0; --zeros) put_device(port, put, ++devices, 0);
+    for (; zeros > 0; --zeros) {
+      put_device(port, put, ++devices, 0);
+    }
     /* 1s only are those that went in at TDI, and have come through the chain. */
-    if (idcode != 0xffffffff) put_device(port, put, ++devices, idcode);
+    if (idcode != 0xffffffff) {
+      put_device(port, put, ++devices, idcode);
+    }
   }
-  for (i = 0; i < 5; ++i) (void)ksvf_port_clock(port, 1, 1);
-  if (zeros == kMostZeros) put_text(port, put, "TDO stays 0\n");
-  if (zeros + devices == 0) put_text(port, put, "no device: TDO stays 1\n");
+  for (i = 0; i < 5; ++i) {
+    (void)ksvf_port_clock(port, 1, 1);
+  }
+  if (zeros == kMostZeros) {
+    ksvf_put_text(port, put, "TDO stays 0\n");
+  }
+  if (zeros + devices == 0) {
+    ksvf_put_text(port, put, "no device: TDO stays 1\n");
+  }
   return devices;
 }

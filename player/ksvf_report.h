@@ -13,6 +13,10 @@ extern "C" {
 /* Takes the next character; gets the pointer of your port. */
 typedef void (*KsvfPut)(void* port, char character);
 
+/* Text, and a number of 32 bits in base 10 or 16 with at least so many digits. */
+void ksvf_put_text(void* port, KsvfPut put, const char* text);
+void ksvf_put_number(void* port, KsvfPut put, uint32_t number, uint8_t base, uint8_t least);
+
 /* How a play ended, such as "done, 5 scans", without a line end. */
 void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put);
 

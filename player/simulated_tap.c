@@ -19,14 +19,22 @@ static void capture(struct SimulatedTap* tap) {
 
 static void enter(struct SimulatedTap* tap, uint8_t state) {
   tap->state = state;
-  if (state == KSVF_RESET) tap->instruction = kIdcode;
-  if (state == KSVF_IDLE && tap->busy > 0) --tap->busy;
-  if (state == KSVF_DR_CAPTURE) capture(tap);
+  if (state == KSVF_RESET) {
+    tap->instruction = kIdcode;
+  }
+  if (state == KSVF_IDLE && tap->busy > 0) {
+    --tap->busy;
+  }
+  if (state == KSVF_DR_CAPTURE) {
+    capture(tap);
+  }
   if (state == KSVF_IR_CAPTURE) {
     tap->shifted = 1;
     tap->length = 4;
   }
-  if (state == KSVF_IR_UPDATE) tap->instruction = (uint8_t)tap->shifted;
+  if (state == KSVF_IR_UPDATE) {
+    tap->instruction = (uint8_t)tap->shifted;
+  }
   if (state == KSVF_DR_UPDATE && tap->instruction == kUser && tap->busy == 0) {
     tap->user = tap->shifted;
     tap->busy = 50;
