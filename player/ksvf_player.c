@@ -395,15 +395,16 @@ static void comment(struct KsvfPlayer* player) {
 
 static void play_command(struct KsvfPlayer* player) {
   const uint32_t offset = player->offset;
-  const uint8_t code = read_byte(player);
   uint32_t number;
   uint8_t state;
+  uint8_t code;
   uint8_t kind;
+  read_bytes(player, &player->command, 1);
   if (!playing(player)) {
     return;
   }
-  player->command = code;
   player->command_offset = offset;
+  code = player->command;
   kind = (code <= KSVF_KWAIT) ? kinds[code] : 0;
   if (kind == 0) {
     end_with(player, KSVF_UNKNOWN_COMMAND);

@@ -143,7 +143,7 @@ struct KsvfPlayer {
   uint32_t scan;           /* number, from 1; the records of a partitioned scan have the same */
   KsvfBits bits;           /* length of the scan or record */
   uint32_t bits_before;    /* bits of a partitioned scan before this record, else 0 */
-  uint32_t wrong_bits;     /* TDO bits of the last try or record that differed under the mask */
+  KsvfBits wrong_bits;     /* TDO bits of the last try or record that differed under the mask */
   uint32_t mismatch_bit;   /* the first of them: its number in the (whole) scan, from 0 */
 
   uint8_t tdi[KSVF_MAX_BYTES];

@@ -98,6 +98,8 @@ std::string play(Board& board, bool waitAfterDataOnly = false) {
   const std::string scan = "scan " + std::to_string(player.scan);
   if (result == KSVF_DONE) return "done, " + scan;
   if (result == KSVF_MISMATCH) {
+    const std::uint32_t bit = player.mismatch_bit - player.bits_before;
+    EXPECT_NE(ksvf_mask_byte(&player, bit / 8) >> bit % 8 & 1, 0) << "it is compared";
     return scan + " bit " + std::to_string(player.mismatch_bit) + " expected " +
            (player.expected ? "1, " : "0, ") + std::to_string(player.wrong_bits) + " wrong";
   }
@@ -126,12 +128,15 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
       {"a scan from a pause captures anew",
        "KENDIR 01 KENDDR 01 KSIR 01 00 KSDRSIZE 1 KSDR 01 KSDR 00 KSIR 01 00 KENDIR 00 KSIR 01 01",
        "129ab<0>cd ef234<1>56 78234<0>56 7829ab<0>cd ef29ab<1>cf1"},
+      {"a scan goes on from its capture, and around from a shift",
+       "KSDRSIZE 1 KSTATE 03 KSDR 01 KSTATE 04 KSDR 00", "1234<1>581 234<1>58234<0>581"},
       {"the clocks of a scan lead from a pause to idle, where it stays",
        "KENDDR 01 KRUNTEST 1 KSDRSIZE 1 KSDR 01 KSTATE 06", "1234<1>56 781 1 2356"},
       {"named steps are a clock each, staying and shifting included",
        "KSTATE 01 KSTATE 01 KSTATE 02 KSTATE 03 KSTATE 04 KSTATE 04 KSTATE 05 KSTATE 06 KSTATE 06 "
-       "KSTATE 07 KSTATE 04 KSTATE 05 KSTATE 08 KSTATE 0b KSTATE 0b KSTATE 0e",
-       "1 1 2 3 4< 1 1>5 6 6 7 4< 1>5 8 29ab< 1 1>cde"},
+       "KSTATE 07 KSTATE 04 KSTATE 05 KSTATE 08 KSTATE 0b KSTATE 0b KSTATE 0c KSTATE 0d "
+       "KSTATE 0d KSTATE 0e",
+       "1 1 2 3 4< 1 1>5 6 6 7 4< 1>5 8 29ab< 1 1>cd d e"},
       {"a state without its steps is reached the short way, reset with five clocks",
        "KSTATE 0d KSTATE 06 KSTATE 01 KSTATE 00 KSTATE 00 KSTATE 0f KSTATE 04",
        "129acd ef2356 781 29000 00000 129acf 234<"},
@@ -151,6 +156,11 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
        "KSDRSIZE c KTDOMASK 010f KSDRSIZE 5 KSDRTDO 00 0f KSDRSIZE c KSDRTDO 0000 0007",
        "1234<00000>581 234<000000000000>56", "00000 1110 1111 1",
        "scan 2 bit 8 expected 0, 1 wrong"},
+      {"the digits of a mask lie in other halves of the bytes when their count is odd",
+       "KSDRSIZE c KTDOMASK 0a50 KSDRSIZE 8 KSDRTDO 00 5a KSDRSIZE 10 KSDRTDO 0000 5aff "
+       "KTDOMASK a5c3 KSDRSIZE c KSDRTDO 0000 05a3 KSDRSIZE 4 KTDOMASK 05 KSDRSIZE 8 KSDRTDO 00 ff",
+       "1234<00000000>581 234<0000000000000000>581 234<000000000000>581 234<00000000>56", "",
+       "scan 4 bit 4 expected 1, 2 wrong"},
       {"a retry is the scan once more, with its wait",
        "KREPEAT 02 KRUNTEST 1 KSDRSIZE 2 KTDOMASK 03 KSDRTDO 01 02",
        "1234<10>581 1 234<10>581 1 234<10>581 1", "00 11 01"},
