@@ -48,6 +48,13 @@ std::string utf8(const wchar_t* text) {
   return bytes;
 }
 
+bool isLink(const std::string& name) {
+  const DWORD attributes = GetFileAttributesW(wide(name).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+bool removeName(const std::string& name) { return _wremove(wide(name).c_str()) == 0; }
+
 FileStatus statusOf(HANDLE handle) {
   switch (GetFileType(handle)) {
     case FILE_TYPE_DISK: {
@@ -70,6 +77,13 @@ FileStatus statusOf(HANDLE handle) {
 constexpr const char* kNullDevice = "/dev/null";
 
 int descriptorOf(std::FILE* file) { return fileno(file); }
+
+bool isLink(const std::string& name) {
+  struct stat found = {};
+  return lstat(name.c_str(), &found) == 0 && S_ISLNK(found.st_mode);
+}
+
+bool removeName(const std::string& name) { return unlink(name.c_str()) == 0; }
 
 FileKind kindOf(mode_t mode) {
   if (S_ISREG(mode)) return FileKind::regular;
@@ -183,6 +197,14 @@ FileStatus fileStatus(std::FILE* file) {
 }
 
 #endif
+
+bool discardFile(const std::string& name) {
+  // Emptied first, since it may have other names.
+  FilePtr file = openForWriting(name);
+  if (file == nullptr || !emptyFile(file.get())) return false;
+  file.reset();
+  return isLink(name) || removeName(name);
+}
 
 void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE

@@ -41,6 +41,10 @@ FilePtr openForWriting(const std::string& name);
 /// false if that fails.
 bool emptyFile(std::FILE* file);
 
+/// Removes a file that is left unfinished; where its name is a link, empties it. Returns
+/// false if that fails.
+bool discardFile(const std::string& name);
+
 enum class FileKind { none, regular, folder, pipe, other };
 
 /// What a name or an open file leads to, through links.

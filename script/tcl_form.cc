@@ -1,6 +1,10 @@
 // The Tcl form of mode 0: commands for a console with a tapbus.
 
+#include <algorithm>
+#include <utility>
+#include <vector>
 #include "io/text.h"
+
 #include "scan/hex_output.h"
 #include "script/script_writer.h"
 #include "svf/numbers.h"
@@ -20,6 +24,8 @@ constexpr FormWords kWords = {
     .statementEnd = "",
 };
 
+constexpr std::int64_t kDefaultTckFreq = 1000000;  // Hz, of -tck_freq
+
 class TclWriter final : public ScriptWriter {
  public:
   TclWriter(const ScriptVars& vars, OutputFile& output, Reporter& report)
@@ -31,10 +37,38 @@ class TclWriter final : public ScriptWriter {
                              " {", xToUpper(getTapStateName(state)), "} $current_tapbus");
   }
 
+  // In a comment a Tcl shell minds a backslash before the line end, and a 0x1a; others
+  // may mind what is not ASCII.
+  void commentText(std::string_view piece) override {
+    if (!vars_.exact) return ScriptWriter::commentText(piece);
+    std::string text(held_ ? "\\" : "");
+    for (const char c : piece) text += c == '\t' || (c >= ' ' && c <= '~') ? c : '?';
+    held_ = text.ends_with('\\');
+    if (held_) text.pop_back();
+    ScriptWriter::commentText(text);
+  }
+  void commentEnd() override {
+    if (std::exchange(held_, false)) output_.put('?');
+    ScriptWriter::commentEnd();
+  }
+
+  bool waitsInClocks() const override { return true; }
+  // The first commands of a long wait stay in its state, where the next one goes on.
+  void exactWait(TapState state, TapState endState, std::int64_t clocks) override {
+    const std::int64_t most = vars_.lGlobOptMaxRtiTck;
+    const auto command = [&](TapState end, std::int64_t count) {
+      output_.write(concat("runtest_tapbus -wait ", getTapStateName(state), " -tck ", count,
+                           " -end_state ", getTapStateName(end), "\n"));
+    };
+    for (; clocks > most; clocks -= most) command(state, most);
+    command(endState, clocks);
+  }
+
  private:
   void runCount(std::int64_t count, std::string_view /*unit*/) override { splitWait(count); }
   void minTime(float seconds) override {
-    splitWait(truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
+    const std::int64_t hertz = vars_.lGlobTckFreq > 0 ? vars_.lGlobTckFreq : kDefaultTckFreq;
+    splitWait(truncated(static_cast<float>(hertz) * seconds));
   }
   void maxTime(float /*seconds*/) override {
     report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
@@ -58,11 +92,32 @@ class TclWriter final : public ScriptWriter {
                           std::string_view note, LineRest rest) override {
     output_.write(
         concat("set_property ", keyword, "_length {", pattern.lLength(), "} $current_tapbus"));
+    if (vars_.exact) {
+      exactProperties(keyword, pattern);
+      output_.put('\n');
+      return;
+    }
     writeSeparator(rest);
     if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, true);
     output_.write(note);
     output_.put('\n');
     writeSeparator(rest);
+  }
+
+  // A property stays until it is set anew, so expected bits that no longer hold are
+  // followed by some that are compared nowhere.
+  void exactProperties(std::string_view keyword, const CTapPattern& pattern) {
+    if (pattern.lLength() == 0) return;
+    printDataAndMask(keyword, pattern, !vars_.iSkipTdoTest);
+    const bool compares = pattern.pTdo() != nullptr && !vars_.iSkipTdoTest;
+    const bool compared = std::ranges::count(comparing_, keyword) > 0;
+    if (compared && !compares) {
+      printValue({keyword, ScanValue::tdo, {nullptr, 0}, nullptr, pattern.lLength()});
+      printValue({keyword, ScanValue::mask, {nullptr, 0}, nullptr, pattern.lLength()});
+      std::erase(comparing_, keyword);
+    } else if (compares && !compared) {
+      comparing_.push_back(keyword);
+    }
   }
 
   // Values of scans are arguments, those of headers and trailers properties.
@@ -96,6 +151,9 @@ class TclWriter final : public ScriptWriter {
       }
     });
   }
+
+  bool held_ = false;                        // a backslash of a comment, which may be its last
+  std::vector<std::string_view> comparing_;  // header and trailer keywords with a TDO property
 };
 
 }  // namespace

@@ -15,6 +15,7 @@ std::optional<std::string> ArgCursor::option() {
   if (atEnd() || !nextIsOption()) return std::nullopt;
   std::string name = arguments_[next_++].substr(1);
   std::transform(name.begin(), name.end(), name.begin(), toLower);
+  names_.push_back(name);
   return name;
 }
 
@@ -72,6 +73,16 @@ bool takeOptionKey(const OptionCall& call) {
 bool takeOverwrite(const OptionCall& call) {
   call.files.iOverWritePrompt = false;
   return true;
+}
+
+void beginExact(const ArgCursor& args, std::initializer_list<std::string_view> refused,
+                RunFiles& files) {
+  for (const std::string_view name : refused) {
+    if (!args.seen(name)) continue;
+    exitUsage(concat(files.report.style().toolName, ": -exact does not go with -", name, "\n"));
+  }
+  files.removesUnfinished = true;
+  files.report.collectWarnings();
 }
 
 void exitUsage(std::string_view text) {

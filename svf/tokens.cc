@@ -160,6 +160,7 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     start = cur_;
   }
   const bool another = start + 1 != end_ && start[1] == '/';
+  if (rules_.exact && !another) report_.fatal("-exact: a \"/\" that begins no comment");
   if (!rules_.slashIsToken) {
     if (another) {
       skipComment(start);
