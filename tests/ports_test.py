@@ -75,7 +75,8 @@ class Ports(unittest.TestCase):
         sources |= {str(seed): random_svf(seed, 80, REFUSED) for seed in range(30)}
         cls.files = [cls.convert(name, text, OPTIONS[i % len(OPTIONS)])
                      for i, (name, text) in enumerate(sources.items())]
-        cls.lines = {file: run(f"{cls.folder}/traced", input=file.read_bytes()) for file in cls.files}
+        cls.lines = {file: run(f"{cls.folder}/traced", input=file.read_bytes())
+                     for file in cls.files}
 
     @classmethod
     def build(cls, compiler, arguments, name):
@@ -108,9 +109,10 @@ class Ports(unittest.TestCase):
                    f"{self.folder}/pins.o {self.folder}/serial.o tests/traced_board.c" + PLAYER +
                    " -lgcc", "microbit.elf")
         machine = subprocess.Popen(
-            ["qemu-system-arm", "-M", "microbit", "-display", "none", "-monitor", "none",
-             "-serial", "pty", "-kernel", f"{self.folder}/microbit.elf"], stdout=subprocess.PIPE)
-        self.addCleanup(lambda: (machine.kill(), machine.communicate()))
+            ["timeout", "300", "qemu-system-arm", "-M", "microbit", "-display", "none", "-monitor",
+             "none", "-serial", "pty", "-kernel", f"{self.folder}/microbit.elf"],
+            stdout=subprocess.PIPE)
+        self.addCleanup(lambda: (machine.terminate(), machine.communicate()))
         name = machine.stdout.readline().split()[4]
         line = Line(send_ksvf.open_line(name, 115200))
         line.start()
