@@ -39,6 +39,9 @@ bool fileExists(const std::string& name);
 bool sameRegularFile(const std::string& a, const std::string& b);
 bool sameRegularFile(std::FILE* a, const std::string& b);
 
+/// Whether the name leads to what standard input reads, of whatever kind.
+bool isStandardInput(const std::string& name);
+
 /// What an empty line does as the answer to a question.
 enum class EmptyAnswer {
   asksAgain,
@@ -47,8 +50,9 @@ enum class EmptyAnswer {
 
 /// Asks on standard error until a line of standard input begins with one of
 /// the `allowed` upper-case letters, and returns that letter. The end of
-/// standard input counts as `atEnd`.
-char getResponse(std::string_view prompt, std::string_view allowed, char atEnd, EmptyAnswer empty);
+/// standard input counts as `atEnd`, and so does a standard input that is none to ask.
+char getResponse(std::string_view prompt, std::string_view allowed, char atEnd, EmptyAnswer empty,
+                 bool mayRead);
 
 }  // namespace tapforge
 

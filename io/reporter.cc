@@ -1,7 +1,9 @@
 #include "io/reporter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "io/output_file.h"
 #include "io/text.h"
@@ -42,12 +44,25 @@ std::string dateTimeText(std::time_t time) {
 std::string fileErrorText(std::string_view fileName) { return concat(fileName, " file error"); }
 
 void Reporter::errHandler(Level level, std::string_view text, Where where) {
-  std::string message = concat("\n", prefixOf(level), text.substr(0, kMaxMessage));
-  if (where == Where::input && input_ != nullptr) message += input_->positionText();
+  const auto place = [&] {
+    return where == Where::input && input_ != nullptr ? input_->positionText() : "";
+  };
+  if (!collects_ || level != Level::warning) return message(level, text, place());
+  const auto known = std::find_if(kept_.begin(), kept_.end(),
+                                  [text](const Kept& kept) { return kept.text == text; });
+  if (known == kept_.end()) {
+    kept_.push_back({std::string(text), place(), 1});
+  } else {
+    ++known->count;
+  }
+}
+
+void Reporter::message(Level level, std::string_view text, std::string_view place) {
+  const std::string whole = concat("\n", prefixOf(level), text.substr(0, kMaxMessage), place);
   // Standard output first: when the log cannot take the message, the user has
   // still seen it.
-  print(message);
-  toLog(message);
+  print(whole);
+  toLog(whole);
 }
 
 void Reporter::printFatal(std::string_view text, Where where) {
@@ -71,6 +86,10 @@ void Reporter::sendStatus(std::string_view text, StatusStyle style) {
 }
 
 void Reporter::printFinish() {
+  for (const Kept& warning : std::exchange(kept_, {})) {
+    const std::string times = warning.count > 1 ? concat(" (", warning.count, " times)") : "";
+    message(Level::warning, concat(warning.text, times), warning.place);
+  }
   const std::time_t t_TimeFinish = showDateTime(style_.finishLabel);
   if (t_TimeStart_ != 0) {
     showElapsedTime(t_TimeFinish);

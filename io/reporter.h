@@ -5,6 +5,7 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tapforge {
 
@@ -87,6 +88,10 @@ class Reporter {
     endIfLogLost();
   }
 
+  /// From now on a warning is kept, and printed once at the end of the run, with how often
+  /// it came and the first place.
+  void collectWarnings() { collects_ = true; }
+
   /// Prints an error and the finish and elapsed times, and ends the run with
   /// status 1.
   [[noreturn]] void fatal(std::string_view text, Where where = Where::input) {
@@ -135,6 +140,7 @@ class Reporter {
   virtual void printStatus(std::string_view text);
 
  private:
+  void message(Level level, std::string_view text, std::string_view place);
   void sendStatus(std::string_view text, StatusStyle style);
   void toLog(std::string_view text);
   void endIfLogLost() {
@@ -148,6 +154,13 @@ class Reporter {
   const MessageStyle& style_;
   OutputFile* log_ = nullptr;
   bool logLost_ = false;
+  struct Kept {
+    std::string text;
+    std::string place;
+    std::uint64_t count;
+  };
+  bool collects_ = false;
+  std::vector<Kept> kept_;  // warnings, few different ones
   InputPosition* input_ = nullptr;
   std::time_t t_TimeStart_ = 0;  // 0: not started
   bool iDbg_SCR_ACTIVITY_ = false;

@@ -38,6 +38,7 @@ class HexReader {
       }
       takeDigit(static_cast<unsigned>(digit));
     }
+    if (channel_.rules().exact && !any_) channel_.report().fatal("-exact: a value without digits");
     if (shownProgress_) channel_.report().statusMsg("", StatusStyle::wipe);
     field_.rotate(position_ + 1);
   }
@@ -56,6 +57,7 @@ class HexReader {
           decodeHex(text.data(), static_cast<std::size_t>(count), field_.pData(), position_));
       if (done == 0) return;
       channel_.advancePast(text.data() + done - 1, text.data() + done);
+      any_ = true;
       position_ -= done;
       showProgress();
     }
@@ -72,6 +74,7 @@ class HexReader {
       channel_.report().warning("Ignoring excess MSB chars in field");
     }
     field_.setTapDataChar(position_, digit);
+    any_ = true;
     --position_;
     showProgress();
   }
@@ -87,6 +90,7 @@ class HexReader {
   FileChannel& channel_;
   std::int64_t position_;  // the digit to be written next
   bool full_ = false;
+  bool any_ = false;
   bool shownProgress_ = false;
 };
 
@@ -101,11 +105,20 @@ bool isZero(const CTapField& field) {
 }
 
 /// The value that the current word of a scan statement names.
-ScanValue valueNamed(FileChannel& channel) {
+inline ScanValue valueNamed(FileChannel& channel) {
   for (const ScanValueRow& row : kScanValues) {
     if (channel.is(row.word)) return row.value;
   }
   channel.report().fatal(concat("Invalid SDR format [", channel.tokenLower(), "]"));
+}
+
+// The values of a length of 0, which say nothing, up to ";".
+void skipValues(FileChannel& channel) {
+  while (!channel.lexIs(";")) {
+    static_cast<void>(valueNamed(channel));
+    channel.strSearch("(");
+    channel.skipUntil(")");
+  }
 }
 
 void warnOfBitsAboveLength(std::int64_t length, const CTapField& field, Reporter& report) {
@@ -154,7 +167,12 @@ bool readTapData(Keyword keyword, CTapObj& tap, FileChannel& channel) {
   ScanValues given;
   if (length < 1) {
     if (shiftsData(keyword)) channel.report().fatal("Data length must be > 0");
-    channel.skipUntil(";");
+    if (channel.rules().exact) {
+      if (length < 0) channel.report().fatal("Expected positive number");
+      skipValues(channel);
+    } else {
+      channel.skipUntil(";");
+    }
     return pattern.setPattern(length, given);
   }
   while (!channel.lexIs(";")) {

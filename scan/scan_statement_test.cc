@@ -5,7 +5,6 @@
 #include <string>
 
 #include "io/text.h"
-#include "tests/support/fakes.h"
 #include "tests/support/in_memory.h"
 
 namespace tapforge::testing {
@@ -13,7 +12,7 @@ namespace {
 
 // What is said about SDRs, and the digits of TDI, TDO, MASK and SMASK that they leave in force.
 std::string scan(const std::string& statements) {
-  SyntaxRules rules = scriptRules();
+  SyntaxRules rules = progmode_svf2tapbus::kSyntaxRules;
   rules.positionText = [](const SourcePlace& place) { return concat(" [", place.sLastItem, "]"); };
   Source source(statements, rules);
   CTapObj tap;

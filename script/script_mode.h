@@ -18,8 +18,9 @@ struct ScriptVars {
   bool iSkipTdoTest = false;               // -s: no expected values
   std::int64_t iInsertWait = 0;            // -wait: TCKs after each scan; below 1 none
   std::int64_t lGlobOptMaxRtiTck = 40000;  // -max_rti_tck: most TCKs of one Tcl wait
-  std::int64_t lGlobTckFreq = 1000000;     // -tck_freq: Hz, to turn times into TCKs
+  std::int64_t lGlobTckFreq = -1;          // -tck_freq: Hz, to turn times into TCKs; -1 not given
   std::int64_t lGlobPrintLine = 0;         // -linenum: marker every so many lines
+  bool exact = false;                      // -exact: right, or refused
 };
 
 /// What mode 0 says and reads differently from mode 1.

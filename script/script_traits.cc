@@ -11,9 +11,12 @@ std::string positionText(const SourcePlace& place) {
   std::string text = concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
                             " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
   const auto column = static_cast<std::size_t>(place.iTokenCol);
-  if (column >= place.sSrcLine.size()) return text;
-  for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
-  return text + "^*\n";
+  if (column < place.sSrcLine.size()) {
+    for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
+    text += "^*\n";
+  }
+  if (place.statementLine > 0) text += concat(kStatementLine, place.statementLine, "\n");
+  return text;
 }
 
 }  // namespace

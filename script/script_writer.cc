@@ -46,11 +46,19 @@ void ScriptWriter::pathState(std::string_view asWritten) {
   sBufStatement_ += asWritten;
 }
 
-void ScriptWriter::frequency(float hertz) {
+void ScriptWriter::frequency(const Frequency& frequency) {
   sBufStatement_ = words_.remark;
   sBufStatement_ += "FREQUENCY";
-  if (hertz > 0) sBufStatement_ += concat(" ", truncated(hertz), " Hz");
+  if (vars_.exact && !frequency.asWritten.empty()) {
+    sBufStatement_ += concat(" ", frequency.asWritten, " Hz");
+  } else if (frequency.hertz > 0) {
+    sBufStatement_ += concat(" ", truncated(frequency.hertz), " Hz");
+  }
   sBufStatement_ += " ;";
+}
+
+void ScriptWriter::parallelIo(std::string_view keyword, std::string_view asWritten) {
+  output_.write(concat(keyword, " (", asWritten, ") ;\n"));
 }
 
 void ScriptWriter::trst(std::string_view modeAsWritten) {
@@ -79,6 +87,12 @@ void ScriptWriter::runTestPart(const RunTestPart& part) {
   }
 }
 
+void ScriptWriter::exactPart(const RunTestPart& part, std::string_view number) {
+  if (part.kind == Kind::runState || part.kind == Kind::endState) return runTestPart(part);
+  const std::string_view lead = part.kind == Kind::maxTime ? " MAXIMUM " : " ";
+  sBufStatement_ += concat(lead, number, " ", part.asWritten);
+}
+
 void ScriptWriter::doDataShift(Keyword keyword, CTapObj& tap, LineRest rest) {
   if (shiftsData(keyword)) {
     writeScan(keyword, tap.scanOf(registerOf(keyword)), rest);
@@ -102,24 +116,31 @@ void ScriptWriter::writeScan(Keyword keyword, RegisterScan& scan, LineRest rest)
     printDataAndMask({}, scan.data(), !vars_.iSkipTdoTest);
     out = output_.reserve(kScanText);
   } else {
-    out = combineHeaderDataTrailer(out, scan, length);
+    out = combineHeaderDataTrailer(out, keyword, scan, length);
   }
   output_.advance(words_.scanEnd.copyTo(out));
   writeSeparator(rest);
   if (vars_.iInsertWait > 0) output_.write(concat("RUNTEST ", vars_.iInsertWait, " TCK;\n"));
 }
 
-char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan,
+// Whether a merged scan has an SMASK: one without would inherit that of an earlier one.
+bool ScriptWriter::exactSmask(Keyword keyword, const RegisterScan& scan, std::int64_t length) {
+  std::int64_t& inForce = smaskLength_[keyword == Keyword::sdr ? 1 : 0];
+  inForce = scan.data().pSmask() != nullptr || inForce == length ? length : 0;
+  return inForce != 0;
+}
+
+char* ScriptWriter::combineHeaderDataTrailer(char* out, Keyword keyword, const RegisterScan& scan,
                                              std::int64_t length) {
   constexpr ShortText kTdi = "\n    TDI (";
   constexpr ShortText kSmask = ")\n  SMASK (";
   constexpr ShortText kTdo = ")\n    TDO (";
   constexpr ShortText kMask = ")\n   MASK (";
   out = consolidateData(kTdi.copyTo(out), scan, ScanValue::tdi, length);
-  if (scan.data().pSmask() != nullptr) {
+  if (vars_.exact ? exactSmask(keyword, scan, length) : scan.data().pSmask() != nullptr) {
     out = consolidateData(kSmask.copyTo(out), scan, ScanValue::smask, length);
   }
-  if (!vars_.iSkipTdoTest && scan.data().pTdo() != nullptr) {
+  if (!vars_.iSkipTdoTest && scan.compares()) {
     out = consolidateData(kTdo.copyTo(out), scan, ScanValue::tdo, length);
     out = consolidateData(kMask.copyTo(out), scan, ScanValue::mask, length);
   }
@@ -153,12 +174,12 @@ void ScriptWriter::printDataAndMask(std::string_view keyword, const CTapPattern&
                                     bool withTdo) {
   if (pattern.pTdi() == nullptr) report_.fatal("Null Ptr [TDI=NULL]", Where::nowhere);
   const std::int64_t length = pattern.lLength();
-  printValue({keyword, ScanValue::tdi, *pattern.pTdi(), pattern.pSmask(), length});
+  printValue({keyword, ScanValue::tdi, {pattern.pTdi()}, pattern.pSmask(), length});
   if (!withTdo || pattern.pTdo() == nullptr) return;
-  printValue({keyword, ScanValue::tdo, *pattern.pTdo(), pattern.pMask(), length});
+  printValue({keyword, ScanValue::tdo, {pattern.pTdo()}, pattern.pMask(), length});
   // A mask is shown only with expected bits.
-  if (pattern.pMask() != nullptr) {
-    printValue({keyword, ScanValue::mask, *pattern.pMask(), nullptr, length});
+  if (pattern.pMask() != nullptr || vars_.exact) {
+    printValue({keyword, ScanValue::mask, {pattern.pMask()}, nullptr, length});
   }
 }
 

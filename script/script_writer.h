@@ -2,6 +2,7 @@
 #define TAPFORGE_SCRIPT_SCRIPT_WRITER_H
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <string_view>
 
@@ -11,6 +12,7 @@
 #include "scan/tap_obj.h"
 #include "script/script_mode.h"
 #include "script/statement_text.h"
+#include "svf/clock_and_reset.h"
 #include "svf/file_channel.h"
 #include "svf/runtest.h"
 
@@ -71,8 +73,8 @@ class ScriptWriter : public CommentSink {
 
   // Comments go to the output where they are met. The line end that commentEnd()
   // writes also ends the line of a statement in front of the comment.
-  void commentText(std::string_view piece) final;
-  void commentEnd() final;
+  void commentText(std::string_view piece) override;
+  void commentEnd() override;
 
   /// A Tcl command that prints the number of a source line.
   void lineMarker(std::int64_t line);
@@ -87,11 +89,21 @@ class ScriptWriter : public CommentSink {
   void beginState() { sBufStatement_ = words_.state; }
   void pathState(std::string_view asWritten);
   void endState() { sBufStatement_ += words_.statementEnd; }
-  void frequency(float hertz);
+  void frequency(const Frequency& frequency);
   void trst(std::string_view modeAsWritten);
   void beginRunTest() { sBufStatement_ = words_.runTest; }
   void runTestPart(const RunTestPart& part);
   void endRunTest() { sBufStatement_ += words_.statementEnd; }
+
+  // Only under -exact.
+  /// A part of a RUNTEST with its number as written.
+  void exactPart(const RunTestPart& part, std::string_view number);
+  /// Whether a RUNTEST is written by exactWait() and not by its parts.
+  virtual bool waitsInClocks() const { return false; }
+  /// A RUNTEST that waits so many TCKs in a state and then goes to another one.
+  virtual void exactWait(TapState /*state*/, TapState /*endState*/, std::int64_t /*clocks*/) {}
+  /// PIO or PIOMAP with what stands in its parentheses.
+  void parallelIo(std::string_view keyword, std::string_view asWritten);
 
   void writeStatement(LineRest rest);
 
@@ -112,15 +124,16 @@ class ScriptWriter : public CommentSink {
   struct Value {
     std::string_view keyword;  // of a header or trailer statement, else empty
     ScanValue which;
-    const CTapField& data;
-    const CTapField* mask;
-    std::int64_t length;  // bits
+    BitSource data;
+    const CTapField* mask;  // null: all bits
+    std::int64_t length;    // bits
 
     static constexpr std::size_t kKinds = indexOf(ScanValue::mask) + 1;
 
     /// All bits of a value of at most 64 bits.
     ShortScan shortBits() const {
-      return {mask != nullptr ? data.shortBits() & mask->shortBits() : data.shortBits()};
+      const std::uint64_t bits = data.shortBits(length);
+      return {mask != nullptr ? bits & mask->shortBits() : bits};
     }
 
     /// Calls `use` with the bits, in a form that writeDigits() takes.
@@ -131,19 +144,20 @@ class ScriptWriter : public CommentSink {
         return;
       }
       const CompositeScan bits(data, length);
-      const CompositeScan kept(mask != nullptr ? *mask : data, length);
+      const CompositeScan kept({mask}, length);
       use([&bits, &kept](std::int64_t low) { return bits(low) & kept(low); });
     }
   };
   virtual void printValue(const Value& value) = 0;
 
-  /// The values of an unmerged statement: TDI under SMASK, TDO under MASK, MASK.
+  /// The values of an unmerged statement: TDI under SMASK, TDO under MASK, MASK. Under
+  /// -exact a TDO always has a MASK.
   void printDataAndMask(std::string_view keyword, const CTapPattern& pattern, bool withTdo);
 
   /// Writes what has been gathered, and a line end.
   void writeLine();
   void writeSeparator(LineRest rest) {
-    if (rest.lineEnds) {
+    if (rest.lineEnds || vars_.exact) {
       output_.put('\n');
     } else {
       writeBlanks(rest.blanks);
@@ -162,11 +176,16 @@ class ScriptWriter : public CommentSink {
 
  private:
   void writeScan(Keyword keyword, RegisterScan& scan, LineRest rest);
+  bool exactSmask(Keyword keyword, const RegisterScan& scan, std::int64_t length);
   void writeBlanks(std::size_t count);
-  char* combineHeaderDataTrailer(char* out, const RegisterScan& scan, std::int64_t length);
+  char* combineHeaderDataTrailer(char* out, Keyword keyword, const RegisterScan& scan,
+                                 std::int64_t length);
   char* consolidateData(char* out, const RegisterScan& scan, ScanValue value, std::int64_t length);
 
   bool inComment_ = false;
+  // Under -exact, by register: the length of the merged scan whose SMASK is in force for
+  // a reader of the output; 0 for none.
+  std::array<std::int64_t, 2> smaskLength_{};
 };
 
 std::unique_ptr<ScriptWriter> makeSvfWriter(const ScriptVars& vars, OutputFile& output,

@@ -1,6 +1,8 @@
 // The Tcl form of mode 0: commands for a console with a tapbus.
 
+#include <utility>
 #include "io/text.h"
+
 #include "scan/hex_output.h"
 #include "script/script_writer.h"
 #include "svf/numbers.h"
@@ -20,6 +22,8 @@ constexpr FormWords kWords = {
     .statementEnd = "",
 };
 
+constexpr std::int64_t kDefaultTckFreq = 1000000;  // Hz, of -tck_freq
+
 class TclWriter final : public ScriptWriter {
  public:
   TclWriter(const ScriptVars& vars, OutputFile& output, Reporter& report)
@@ -31,10 +35,38 @@ class TclWriter final : public ScriptWriter {
                              " {", xToUpper(getTapStateName(state)), "} $current_tapbus");
   }
 
+  // In a comment a Tcl shell minds a backslash before the line end, and a 0x1a; others
+  // may mind what is not ASCII.
+  void commentText(std::string_view piece) override {
+    if (!vars_.exact) return ScriptWriter::commentText(piece);
+    std::string text(held_ ? "\\" : "");
+    for (const char c : piece) text += c == '\t' || (c >= ' ' && c <= '~') ? c : '?';
+    held_ = text.ends_with('\\');
+    if (held_) text.pop_back();
+    ScriptWriter::commentText(text);
+  }
+  void commentEnd() override {
+    if (std::exchange(held_, false)) output_.put('?');
+    ScriptWriter::commentEnd();
+  }
+
+  bool waitsInClocks() const override { return true; }
+  // The first commands of a long wait stay in its state, where the next one goes on.
+  void exactWait(TapState state, TapState endState, std::int64_t clocks) override {
+    const std::int64_t most = vars_.lGlobOptMaxRtiTck;
+    const auto command = [&](TapState end, std::int64_t count) {
+      output_.write(concat("runtest_tapbus -wait ", getTapStateName(state), " -tck ", count,
+                           " -end_state ", getTapStateName(end), "\n"));
+    };
+    for (; clocks > most; clocks -= most) command(state, most);
+    command(endState, clocks);
+  }
+
  private:
   void runCount(std::int64_t count, std::string_view /*unit*/) override { splitWait(count); }
   void minTime(float seconds) override {
-    splitWait(truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
+    const std::int64_t hertz = vars_.lGlobTckFreq > 0 ? vars_.lGlobTckFreq : kDefaultTckFreq;
+    splitWait(truncated(static_cast<float>(hertz) * seconds));
   }
   void maxTime(float /*seconds*/) override {
     report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
@@ -58,11 +90,24 @@ class TclWriter final : public ScriptWriter {
                           std::string_view note, LineRest rest) override {
     output_.write(
         concat("set_property ", keyword, "_length {", pattern.lLength(), "} $current_tapbus"));
+    if (vars_.exact) return exactProperties(keyword, pattern);
     writeSeparator(rest);
     if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, true);
     output_.write(note);
     output_.put('\n');
     writeSeparator(rest);
+  }
+
+  // A property stays until it is set anew, so without expected bits there are some that
+  // are compared nowhere.
+  void exactProperties(std::string_view keyword, const CTapPattern& pattern) {
+    const bool compares = pattern.pTdo() != nullptr && !vars_.iSkipTdoTest;
+    if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, compares);
+    for (const ScanValue value : {ScanValue::tdo, ScanValue::mask}) {
+      if (compares || pattern.lLength() == 0) continue;
+      printValue({keyword, value, {nullptr, 0}, nullptr, pattern.lLength()});
+    }
+    output_.put('\n');
   }
 
   // Values of scans are arguments, those of headers and trailers properties.
@@ -96,6 +141,8 @@ class TclWriter final : public ScriptWriter {
       }
     });
   }
+
+  bool held_ = false;  // a backslash of a comment, which may be its last
 };
 
 }  // namespace

@@ -80,6 +80,7 @@ constexpr Option kOptions[] = {
     kKeyOption<KsvfVars>,
     // The mode switch, which has done its work.
     {"ksvf", takeNothing, ""},
+    {"exact", setFlag<&KsvfVars::exact>, ""},
     {"inorder", setFlag<&KsvfVars::iInOrder>, ""},
     {"runmin",
      [](const OptionCall& call, KsvfVars& vars) {
@@ -158,6 +159,16 @@ void displayVersion(Reporter& report) {
                    StatusStyle::line);
 }
 
+// What -exact means for the others.
+void chooseExact(const ArgCursor& args, KsvfVars& vars, RunFiles& files) {
+  beginExact(args, {"v2", "minkstate", "inorder", "multiple_runtest", "runmin"}, files);
+  vars.giUseKwait = vars.iInOrder = vars.iKsvfExt = true;
+  if (!args.seen("r")) vars.lKrepeatVal = 0;
+  if (vars.lKrepeatVal < 0 || vars.lKrepeatVal > 255) {
+    exitUsage(concat(files.report.style().toolName, ": -exact: -r must be in range [0..255]\n"));
+  }
+}
+
 // Settles what options mean together, or ends the run.
 void checkOptCombo(KsvfVars& vars, RunFiles& files) {
   if (!vars.iFpgaFormat && vars.lFpgaRecSize > 0) {
@@ -180,6 +191,7 @@ void getCmdOptions(std::span<const std::string> arguments, KsvfVars& vars, RunFi
     exitUsage(concat(files.report.style().toolName, ": unknown option [", *unknown, "]\n"));
   }
   if (files.pFC_Input.empty() || !files.sOutputName || !args.atEnd()) showUsage(vars, files);
+  if (vars.exact) chooseExact(args, vars, files);
   checkOptCombo(vars, files);
 }
 

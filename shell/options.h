@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "io/text.h"
 #include "shell/run.h"
@@ -28,12 +30,19 @@ class ArgCursor {
   /// The next argument if it does not begin with "-".
   std::optional<std::string> fileName();
   bool atEnd() const { return next_ == arguments_.size(); }
+  /// Whether a "-i" anywhere has standard input among the names after it.
+  bool namesStandardInput() const;
+  /// Whether option() has given this name.
+  bool seen(std::string_view name) const {
+    return std::find(names_.begin(), names_.end(), name) != names_.end();
+  }
 
  private:
   bool nextIsOption() const { return arguments_[next_].starts_with('-'); }
 
   std::span<const std::string> arguments_;
   std::size_t next_ = 0;
+  std::vector<std::string> names_;
 };
 
 /// What an option works on, apart from the variables of its mode.
@@ -129,8 +138,11 @@ constexpr Option<Vars> kFrequencyOption = {
 template <typename Vars>
 std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<Vars>> table,
                                        Vars& vars, RunFiles& files) {
+  files.stdinIsInput = args.namesStandardInput();
   while (std::optional<std::string> name = args.option()) {
-    const auto row = std::ranges::find(table, *name, &Option<Vars>::name);
+    const auto row = std::find_if(table.begin(), table.end(), [&name](const Option<Vars>& option) {
+      return option.name == *name;
+    });
     if (row == table.end() || !row->take({*name, args, files}, vars)) return name;
   }
   return std::nullopt;
@@ -138,6 +150,10 @@ std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<V
 
 /// Ends the run with status 1 after printing the text on standard error.
 [[noreturn]] void exitUsage(std::string_view text);
+
+/// -exact: wrong usage with any of these options. Sets what else it needs of a run.
+void beginExact(const ArgCursor& args, std::initializer_list<std::string_view> refused,
+                RunFiles& files);
 
 /// The line before and after an option list: a tab and 75 "=".
 inline constexpr std::string_view kRuleLine =

@@ -42,7 +42,7 @@ void RunFiles::makeChannel(std::unique_ptr<OutputFile>& output, const std::strin
   if (taken) report.fileError(concat("[", name, "] is already written by this run"));
   if (iOverWritePrompt && fileExists(name)) {
     const char answer = getResponse(concat("[", name, "] exists; Overwrite or Exit (o/e)? "), "OE",
-                                    'E', emptyAnswer_);
+                                    'E', emptyAnswer_, !stdinIsInput);
     if (answer != 'O') throw ProgramEnd{1};
   }
   output = std::make_unique<OutputFile>(fileCheck(name, OpenMode::write, report), name);
@@ -62,8 +62,22 @@ void RunFiles::refuseInputAsOutput(const std::string& name) {
 }
 
 void RunFiles::beginOutputs() {
+  begun_ = true;
   for (OutputFile* output : outputs()) output->begin();
   replaced_.clear();
+}
+
+void RunFiles::discardUnfinished() {
+  if (!removesUnfinished || !std::exchange(begun_, false)) return;
+  for (const auto* output : {&pFC_Output, &pFC_Ascii}) {
+    if (*output == nullptr || fileStatus((*output)->name()).kind != FileKind::regular) continue;
+    const std::string& name = (*output)->name();
+    const bool gone = discardFile(name);
+    const std::string_view what = !gone              ? "] is unfinished and stays"
+                                  : fileExists(name) ? "] is unfinished and was emptied"
+                                                     : "] is unfinished and was removed";
+    report.errHandler(gone ? Level::note : Level::error, concat("[", name, what), Where::nowhere);
+  }
 }
 
 std::vector<OutputFile*> RunFiles::outputs() const {
@@ -97,14 +111,20 @@ int runProgram(RunFiles& files, const std::function<bool()>& conversion) {
     report.printFatal("Null Ptr [memory]", Where::nowhere);
   }
   bool whole = true;
-  for (OutputFile* file : files.outputs()) {
+  const auto close = [&](OutputFile& file) {
     try {
-      file->close();
+      file.close();
     } catch (const WriteFailed& lost) {
       report.errHandler(Level::error, fileErrorText(lost.name), Where::nowhere);
       whole = false;
     }
+  };
+  for (OutputFile* file : files.outputs()) {
+    // The log comes last, and tells what became of the others.
+    if (file == files.pFC_Log.get() && (status != 0 || !whole)) files.discardUnfinished();
+    close(*file);
   }
+  if (status != 0 || !whole) files.discardUnfinished();
   if (whole) return status;
   if (!failed) report.printFinish();
   return 1;

@@ -36,6 +36,12 @@ class RunFiles {
   /// The name of the output; mode 1 opens it only after all options.
   std::optional<std::string> sOutputName;
 
+  /// Standard input is an input of the run, which is not to be taken for an answer.
+  bool stdinIsInput = false;
+
+  /// -exact: an output or listing that is not finished is removed.
+  bool removesUnfinished = false;
+
   /// Opens an input. Fatal "Input filename same as output" if it has the name
   /// of the output or is the file of any output, which is then let go; and
   /// "cannot open".
@@ -56,12 +62,17 @@ class RunFiles {
   /// the same.
   void beginOutputs();
 
+  /// Removes the output and the listing, which are closed, if they are regular files that
+  /// were begun, and says so. Behind a link the file is emptied.
+  void discardUnfinished();
+
   /// All outputs, also those that were replaced, in the order in which they are
   /// to be closed: the log last. Not owned by the caller.
   std::vector<OutputFile*> outputs() const;
 
  private:
   EmptyAnswer emptyAnswer_;
+  bool begun_ = false;
   // Outputs whose option was repeated, unless they are empty.
   std::vector<std::unique_ptr<OutputFile>> replaced_;
 };

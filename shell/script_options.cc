@@ -32,6 +32,7 @@ constexpr Option kOptions[] = {
     kLogOption<ScriptVars>,
     kKeyOption<ScriptVars>,
     overwriteOption<ScriptVars>("d", ""),
+    {"exact", setFlag<&ScriptVars::exact>, ""},
     {"c", setFlag<&ScriptVars::iSvfSyntaxCheck>,
      "\t-c = do SVF syntax check (no header/trailer integration)\n"},
     {"tapbus", setFlag<&ScriptVars::iGlobOutFormat>,
@@ -60,7 +61,15 @@ void getCmdOptions(std::span<const std::string> arguments, ScriptVars& vars, Run
     exitUsage(concat(files.report.style().toolName, ": unknown or incorrectly specified option [",
                      *unknown, "]\n"));
   }
-  if (!files.pFC_Input.empty() && files.pFC_Output != nullptr) return;
+  if (!files.pFC_Input.empty() && files.pFC_Output != nullptr) {
+    if (vars.exact && vars.iGlobOutFormat) {
+      beginExact(args, {"wait"}, files);
+      vars.iSvfSyntaxCheck = true;
+    } else if (vars.exact) {
+      beginExact(args, {"c", "wait", "linenum"}, files);
+    }
+    return;
+  }
   std::puts("Usage: tapforge -tapbus [options] -i <input file> -o <output file>");
   displayProgOptions("--> options for SVF-to-tapbus tcl conversion:", kTable,
                      InternalOptions::hidden);

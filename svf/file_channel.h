@@ -98,6 +98,11 @@ class FileChannel final : public InputPosition {
     return {reinterpret_cast<const char*>(sToken_), tokenSize_};
   }
   std::string tokenLower() const;
+  /// Where the token that has just been read begins and ends, in bytes of the file.
+  std::int64_t tokenBegin() const { return offsetOf(sToken_); }
+  std::int64_t tokenEnd() const { return tokenBegin() + static_cast<std::int64_t>(tokenSize_); }
+  /// The storage of the number read last under -exact.
+  std::string& numberText() { return sNumberText_; }
 
   /// The next token must be this word, else fatal "Expecting [word]" (mode 1:
   /// "Token [word] not found").
@@ -137,6 +142,10 @@ class FileChannel final : public InputPosition {
 
   /// The number of the line that was read last; the first one is 1.
   std::int64_t lineNumber();
+  /// The current token begins a statement: under -exact messages tell its line.
+  void beginStatement() {
+    if (rules_.exact) noteStatement();
+  }
   std::string positionText() override;
 
   /// What follows a statement on its source line.
@@ -188,6 +197,7 @@ class FileChannel final : public InputPosition {
   void skipComment(const unsigned char* start);
 
   // source_place.cc
+  void noteStatement();
   // Whether the character after the token has been read with it; see TokenType.
   bool lookedAhead() const { return iTokenType_ <= TokenType::cutSlash; }
   // A byte of the block by its offset in the file, and back.
@@ -249,12 +259,14 @@ class FileChannel final : public InputPosition {
   bool iUnlex_ = false;
   const unsigned char* iTokenCol_ = nullptr;  // a column that is not the token's own
   std::string tokenAside_;                    // the token's text, once its block is gone
+  std::string sNumberText_;
 
   // Lines, counted up to a place when somebody asks.
   std::int64_t countedTo_ = 0;  // offset in the file
-  std::int64_t lineEnds_ = 0;   // before it
+  std::int64_t lineEnds_ = 0;   // before it, without the LF of CR LF under -exact
   std::int64_t lineStart_ = 0;  // offset after the last line end, and after the one before
   std::int64_t lineStartBefore_ = 0;
+  std::int64_t statementLine_ = 0;
 
   // Source echo.
   bool echoOn_ = false;

@@ -14,19 +14,19 @@ struct KeywordRow {
 };
 constexpr std::array kKeywords = std::to_array<KeywordRow>({
     {Keyword::unknown, ""},
+    {Keyword::sdr, "sdr"},
+    {Keyword::sir, "sir"},
+    {Keyword::runtest, "runtest"},
+    {Keyword::state, "state"},
     {Keyword::hir, "hir"},
     {Keyword::hdr, "hdr"},
     {Keyword::tir, "tir"},
     {Keyword::tdr, "tdr"},
-    {Keyword::sir, "sir"},
-    {Keyword::sdr, "sdr"},
     {Keyword::endir, "endir"},
     {Keyword::enddr, "enddr"},
     {Keyword::frequency, "frequency"},
     {Keyword::pio, "pio"},
     {Keyword::piomap, "piomap"},
-    {Keyword::runtest, "runtest"},
-    {Keyword::state, "state"},
     {Keyword::trst, "trst"},
 });
 static_assert(rowsByNumber(kKeywords, &KeywordRow::keyword));
@@ -46,7 +46,9 @@ std::string_view nameOf(Keyword keyword) {
 
 bool skipUnknown(FileChannel& channel) {
   if (isSpace(static_cast<unsigned char>(channel.tokenAsWritten().front()))) return true;
-  channel.report().warning(concat("Unknown SVF keyword [", channel.tokenLower(), "]"));
+  const std::string text = concat("Unknown SVF keyword [", channel.tokenLower(), "]");
+  if (channel.rules().exact) channel.report().fatal(text);
+  channel.report().warning(text);
   channel.skipUntil(";");
   return false;
 }

@@ -9,22 +9,22 @@
 
 namespace tapforge {
 
-/// The statements of SVF.
+/// The statements of SVF, the frequent ones first: keywordOf() looks in this order.
 enum class Keyword : std::uint8_t {
   unknown,
+  sdr,
+  sir,
+  runtest,
+  state,
   hir,
   hdr,
   tir,
   tdr,
-  sir,
-  sdr,
   endir,
   enddr,
   frequency,
   pio,
   piomap,
-  runtest,
-  state,
   trst
 };
 
@@ -46,7 +46,8 @@ constexpr ScanRegister registerOf(Keyword keyword) {
   return isData ? ScanRegister::data : ScanRegister::instruction;
 }
 
-/// The current token begins no statement: warns and reads on past the next ";".
+/// The current token begins no statement: warns and reads on past the next ";"; under
+/// -exact it is fatal.
 /// White space, which is a token after a lost "/", is ignored silently. False
 /// when something was skipped.
 bool skipUnknown(FileChannel& channel);
@@ -55,6 +56,7 @@ bool skipUnknown(FileChannel& channel);
 /// reads the rest. False when the keyword is unknown, and its statement left out.
 template <typename Mode>
 bool doStatement(FileChannel& channel, Mode& mode) {
+  channel.beginStatement();
   const Keyword keyword = keywordOf(channel);
   switch (keyword) {
     case Keyword::hir:

@@ -24,6 +24,13 @@ std::int64_t countLineEnds(const unsigned char* begin, const unsigned char* end,
   return total;
 }
 
+// The LFs in [begin, end) that a CR stands in front of, which may lie before `begin`.
+std::int64_t countPairs(const unsigned char* begin, const unsigned char* end) {
+  std::int64_t count = 0;
+  for (const unsigned char* p = begin; p != end; ++p) count += *p == '\n' && p[-1] == '\r' ? 1 : 0;
+  return count;
+}
+
 }  // namespace
 
 bool FileChannel::inBlock(const unsigned char* p) const {
@@ -54,6 +61,7 @@ void FileChannel::countLinesTo(std::int64_t offset) {
   if (offset <= countedTo_) return;
   const unsigned char* p = at(offset);
   const std::int64_t found = countLineEnds(at(countedTo_), p, rules_.lineEnds);
+  if (rules_.exact) lineEnds_ -= countPairs(at(countedTo_), p);
   countedTo_ = offset;
   if (found == 0) return;
   lineEnds_ += found;
@@ -83,6 +91,11 @@ std::int64_t FileChannel::lineNumber() {
   return inEmptySegment(to) ? lineEnds_ : lineEnds_ + 1;
 }
 
+void FileChannel::noteStatement() {
+  countLinesTo(tokenBegin());
+  statementLine_ = lineEnds_ + 1;
+}
+
 // Whether the line is cut before this character; it must lie in the line of the
 // character before it.
 bool FileChannel::endsSegment(const unsigned char* p) {
@@ -102,7 +115,7 @@ std::string_view FileChannel::getSrcLine(std::int64_t begin) {
 
 SourcePlace FileChannel::place() {
   const std::int64_t to = readTo();
-  SourcePlace place{sFileName_, lineNumber(), {}, {}, 0};
+  SourcePlace place{sFileName_, lineNumber(), {}, {}, 0, statementLine_};
   if (rules_.linesAreCut && !inEmptySegment(to)) {
     // The segment that the last character read belongs to.
     const std::int64_t read = to - lineStart_;

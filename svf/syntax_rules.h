@@ -17,7 +17,10 @@ struct SourcePlace {
   std::string_view sLastItem;  // the token or character read last, as written
   std::string_view sSrcLine;   // where lines are cut, the segment that was read last
   std::int64_t iTokenCol;      // of the last token in sSrcLine, from 0
+  std::int64_t statementLine;  // the line that the statement begins in; 0: not told
 };
+
+inline constexpr std::string_view kStatementLine = "The statement begins in line ";
 
 /// The ways in which the two program modes read SVF differently. Each mode has
 /// one constant of it.
@@ -34,6 +37,9 @@ struct SyntaxRules {
 
   /// What ends a line: for line numbers, comments and cut lines.
   LineEnds lineEnds;
+  /// -exact: numbers keep all their digits and stand in one piece, a value has
+  /// digits, messages also tell where the statement begins, and CR LF is one line.
+  bool exact = false;
   /// Lines are read in segments of at most FileChannel::kMaxLine characters. Messages
   /// show such a segment, and a line end or the end of the file in a value as a blank.
   bool linesAreCut;

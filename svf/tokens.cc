@@ -160,6 +160,7 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     start = cur_;
   }
   const bool another = start + 1 != end_ && start[1] == '/';
+  if (rules_.exact && !another) report_.fatal("-exact: a \"/\" that begins no comment");
   if (!rules_.slashIsToken) {
     if (another) {
       skipComment(start);
@@ -201,9 +202,10 @@ void FileChannel::takeBlankItem(const unsigned char* position) {
 
 bool FileChannel::endQuietly() {
   takeBlankItem(end_);
-  // Where lines are shown, each blank has a column of its own; one that ended
-  // the last token has been read with it.
-  const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_;
+  // Where lines are shown, each blank has a column of its own; one that ended the last
+  // token has been read with it, but for one behind a number.
+  const bool behindNumber = isDigit(*sToken_) && (end_[-1] == ' ' || end_[-1] == '\t');
+  const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_ && !behindNumber;
   if (rules_.linesAreCut && end_ != keptBegin_ && isSpace(end_[-1]) && !endsToken) {
     iTokenCol_ = end_ - 1;
   }

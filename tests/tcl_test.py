@@ -38,7 +38,8 @@ class Scripts(unittest.TestCase):
         for example in examples:
             with self.subTest(example.name):
                 source = re.sub(r"(?m)(!|//).*$", "", example.read_text())
-                steps = [" ".join((scan or move).split()) for scan, move in STATEMENT.findall(source)]
+                steps = [" ".join((scan or move).split())
+                         for scan, move in STATEMENT.findall(source)]
                 done = self.run_script(example, "-c", "-max_rti_tck", "1000000")
                 self.assertEqual((done.stderr, done.stdout.splitlines()), ("", steps))
                 self.assertNotEqual(self.run_script(example).returncode, 0)

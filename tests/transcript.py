@@ -16,10 +16,10 @@ as [1] unless it is 0. A function that it defines holds to the end of the page.
 
     a, b:            files with the same content; "as before", "empty" and "gone" tell of a file
     \r  \t  \x07     characters; x\{70} is 70 times x, and line\{10 lines} ten such lines
-    \                at the end of a line: it goes on in the next one; at the end of all: no line end
+    \                at the end of a line: it goes on in the next; at the very end: no line end
     <time>           dates and times; the banner, with the empty line behind it, is left out
     out.ksvf:        its bytes as a listing, so that it stands with the listing when they agree
-    KSDRSIZE ... | KSDR ...    what prepares a command is on its line, and so are the steps of a path
+    KSDRSIZE | KSDR  what prepares a command stands on its line; so do the steps of a path
     no KREPEAT       KREPEAT 0x20 and KCOMPLETE around a listing are shown where one is missing
 
 "<!-- needs WORD -->" before an example, in a manual ".\" needs WORD", has --without WORD leave it

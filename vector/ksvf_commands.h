@@ -76,7 +76,8 @@ inline constexpr std::array kCommands = std::to_array<CommandRow>({
     {Command::KWAIT, "KWAIT", {1, 1, 4}, 0},
 });
 
-static_assert(std::ranges::is_sorted(kCommands, {}, &CommandRow::code));
+static_assert(std::is_sorted(kCommands.begin(), kCommands.end(),
+                             [](auto& a, auto& b) { return a.code < b.code; }));
 
 namespace ksvf_commands {
 

@@ -1,8 +1,11 @@
 #include "vector/ksvf_mode.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "io/text.h"
+#include "scan/exact.h"
 #include "scan/scan_statement.h"
 #include "svf/numbers.h"
 #include "svf/runtest.h"
@@ -22,11 +25,15 @@ class KsvfLoop final : private CommentSink {
            Reporter& report)
       : vars_(vars),
         report_(report),
-        channel_(input, kSyntaxRules, report, this),
+        rules_(vars.exact ? exactRules() : kSyntaxRules),
+        channel_(input, rules_, report, this),
         commands_(output, listing, report),
         scans_(vars, commands_, pGlobTapData_, report),
         moves_(vars, commands_) {
     if (vars_.iOptPrintSrc >= 2) channel_.keepSrcEcho(vars_.g_lMaxLinesToCopy);
+    if (!vars_.exact) return;
+    exact_.emplace("KSVF", vars_.lGlobTckFreq, pGlobTapData_, channel_);
+    pGlobTapData_.compareExactly();
   }
 
   bool processSVF() {
@@ -40,6 +47,7 @@ class KsvfLoop final : private CommentSink {
     }
     scans_.writePending(StaleCount::cancel);
     commands_.write(Command::KCOMPLETE);
+    if (exact_) exact_->endOfSource();
     return allKnown;
   }
 
@@ -49,8 +57,9 @@ class KsvfLoop final : private CommentSink {
     const bool accepted = readTapData(keyword, pGlobTapData_, channel_);
     writeSvfSrc();
     if (!accepted) endByRuleViolation(report_);
-    if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
-    if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
+    if (keyword == Keyword::sdr) pGlobTapData_.iCurState = pGlobTapData_.iEndDrState;
+    if (keyword == Keyword::sir) pGlobTapData_.iCurState = pGlobTapData_.iEndIrState;
+    if (exact_ && shiftsData(keyword)) checkExactScan(registerOf(keyword));
     scans_.doDataShift(keyword);
     // An SDR leaves the flag set: the count of a RUNTEST also applies to the first
     // SDR after it.
@@ -59,19 +68,30 @@ class KsvfLoop final : private CommentSink {
 
   void doState() {
     scans_.writePending(StaleCount::cancel);
-    iCurState_ = readStatePath(iCurState_, channel_, [this](const PathStep& step) {
+    const TapState before = pGlobTapData_.iCurState;
+    const bool inPause = before == TapState::drpause || before == TapState::irpause;
+    bool first = true;
+    bool held = false;  // a pause state named again, first: SVF leaves it unless a path follows
+    pGlobTapData_.iCurState = readStatePath(before, channel_, [&](const PathStep& step) {
+      held = std::exchange(first, false) && exact_ && inPause && step.state == before;
+      if (held) return;
       if (step.oneClock) {
         moves_.addTapTransition(step.state);
       } else {
         moves_.doStableState(step.from, step.state);
       }
     });
+    if (held) moves_.doStableState(before, before);
     statementDone();
   }
 
   void doEndState(ScanRegister which) {
     const TapState state = readEndState(channel_);
-    (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
+    pGlobTapData_.endStateOf(which) = state;
+    const TapState pause = which == ScanRegister::data ? TapState::drpause : TapState::irpause;
+    if (exact_ && state != TapState::idle && state != pause) {
+      exact_->refuse("KSVF ends scans only in IDLE and in the pause state of their register");
+    }
     const bool beforeRunTest = nextIsRunTest();
     if (beforeRunTest && !vars_.giUseKwait) {
       g_iDelayedEndxR_ = true;
@@ -87,6 +107,7 @@ class KsvfLoop final : private CommentSink {
     pGlobTapData_.iSvfTrstRule = true;
     scans_.setRunTestFlag(true);
     if (vars_.giUseKwait) scans_.writePending(StaleCount::keep);
+    if (exact_) return writeExactWait();
     std::int64_t count = readRunCount();
     // RUNTESTs in a row are one wait.
     while (!vars_.giUseKwait && nextIsRunTest()) {
@@ -101,7 +122,7 @@ class KsvfLoop final : private CommentSink {
       scans_.writePending(StaleCount::keep);
     }
     writeSvfSrc();
-    iCurState_ = pGlobTapData_.iRunEndState;
+    pGlobTapData_.iCurState = pGlobTapData_.iRunEndState;
     if (g_iDelayedEndxR_) {
       writeEndState(g_iStoredEndMode_, g_iStoredEndTap_);
       scans_.setRunTestFlag(false);
@@ -111,7 +132,9 @@ class KsvfLoop final : private CommentSink {
 
   void doFrequency() {
     scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.fTckFreq = readFrequency(channel_);
+    const Frequency frequency = readFrequency(channel_);
+    pGlobTapData_.fTckFreq = frequency.hertz;
+    if (exact_) exact_->frequency(frequency);
     statementDone();
   }
 
@@ -119,18 +142,23 @@ class KsvfLoop final : private CommentSink {
     scans_.writePending(StaleCount::cancel);
     pGlobTapData_.iTrstMode =
         readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+    if (exact_) exact_->resetLine(pGlobTapData_.iTrstMode);
     statementDone();
   }
 
   void doPioMap() {
     scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.pPioMap = readPioMap(channel_);
+    std::string asWritten;
+    pGlobTapData_.pPioMap = readPioMap(channel_, asWritten);
+    if (exact_) exact_->parallelIo();
     statementDone();
   }
 
   void doPio() {
     scans_.writePending(StaleCount::cancel);
-    readPio(pGlobTapData_.pPioMap, channel_);
+    std::string asWritten;
+    readPio(pGlobTapData_.pPioMap, channel_, asWritten);
+    if (exact_) exact_->parallelIo();
     statementDone();
   }
 
@@ -197,15 +225,57 @@ class KsvfLoop final : private CommentSink {
     return static_cast<float>(clocks);
   }
 
+  static SyntaxRules exactRules() {
+    SyntaxRules rules = kSyntaxRules;
+    rules.exact = true;
+    rules.lineEnds = LineEnds::lineFeedOrReturn;
+    rules.timesBecomeCounts = false;
+    return rules;
+  }
+
+  // Scans that KSVF cannot say, or cannot compare, at their own place: they are written
+  // one statement late.
+  void checkExactScan(ScanRegister which) {
+    exact_->scan(which);
+    RegisterScan& scan = pGlobTapData_.scanOf(which);
+    const std::int64_t length = compositeLength(scan, report_);
+    const bool compares = scan.compares() && !vars_.iSkipTdoTest;
+    if (which == ScanRegister::instruction) {
+      if (length > 0xffff) exact_->refuse("KSVF has no instruction scan above 65535 bits");
+      if (compares) report_.warning("KSVF does not compare the TDO of an SIR");
+      return;
+    }
+    if (length > 0xffffffff) exact_->refuse("KSVF has no data scan above 2^32-1 bits");
+    if (!vars_.iFpgaFormat || length <= vars_.lFpgaRecSize || !compares) return;
+    const CompositeScan mask(scan, ScanValue::mask, length);
+    for (std::int64_t low = 0; low < length; low += kChunkBits) {
+      if (mask(low) != lowBits(std::min(length - low, kChunkBits))) {
+        exact_->refuse("a record compares all bits or none: use -s or a longer -rlen");
+      }
+    }
+  }
+
+  // A KWAIT, or several for more clocks than one can hold.
+  void writeExactWait() {
+    readRunTest(channel_, [this](const RunTestPart& part) { exact_->runTestPart(part); });
+    constexpr std::int64_t kMost = 0xffffffff;
+    const TapState state = pGlobTapData_.iRunState;
+    std::int64_t clocks = exact_->endRunTest();
+    for (; clocks > kMost; clocks -= kMost) moves_.wait(state, state, kMost);
+    moves_.wait(state, pGlobTapData_.iRunEndState, clocks);
+    writeSvfSrc();
+  }
+
   const KsvfVars& vars_;
   Reporter& report_;
+  const SyntaxRules rules_;
   FileChannel channel_;
   CTapObj pGlobTapData_;
+  std::optional<ExactRules> exact_;
   CommandWriter commands_;
   KsvfScans scans_;
   KsvfMoves moves_;
 
-  TapState iCurState_ = TapState::reset;  // that the file has brought the TAP to
   // An ENDIR or ENDDR whose command goes out after the RUNTEST that follows it.
   bool g_iDelayedEndxR_ = false;
   ScanRegister g_iStoredEndMode_ = ScanRegister::instruction;

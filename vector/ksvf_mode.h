@@ -31,6 +31,7 @@ struct KsvfVars {
   std::int64_t g_lMaxLinesToCopy = -1;  // -kmaxsrclines: last line echoed; below 1 all
   std::string g_csVerStr{};             // -ver: a comment at the top of the file
   std::int64_t lGlobTckFreq = -1;       // -tck_freq: Hz; -1 not given
+  bool exact = false;                   // -exact: right, or refused
 };
 
 /// What mode 1 says and reads differently from mode 0.

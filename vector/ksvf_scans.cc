@@ -109,9 +109,7 @@ void KsvfScans::writePendingSir(StaleCount count) {
   if (vars_.iV2Compatibility && lTckRunCount_ != 0) writeEmptyScan();
 }
 
-bool KsvfScans::tests() const {
-  return pGlobTapData_.pTapData.pTdo() != nullptr && !vars_.iSkipTdoTest;
-}
+bool KsvfScans::tests() const { return pGlobTapData_.dataScan.compares() && !vars_.iSkipTdoTest; }
 
 void KsvfScans::writePendingSdr(StaleCount count) {
   RegisterScan& scan = pGlobTapData_.dataScan;
@@ -184,7 +182,7 @@ void KsvfScans::writePartition(const Vectors& vectors, std::int64_t length) {
   const std::int64_t record = vars_.lFpgaRecSize;
   commands_.write(Command::KSDRSIZE, {record});
   lSdrSize_ = record;
-  if (pGlobTapData_.pTapData.pMask() != nullptr) {
+  if (pGlobTapData_.pTapData.pMask() != nullptr && !vars_.exact) {
     report_.warning("TDO MASK ignored when partitioning into KSDRTDOB/C/E");
   }
   writeRunCount(0);

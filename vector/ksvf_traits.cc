@@ -7,7 +7,9 @@ namespace {
 
 // File, line and last item.
 std::string positionText(const SourcePlace& place) {
-  return concat("\n[", place.sFileName, ": line ", place.lLineNum, "]:[", place.sLastItem, "]");
+  const std::string text =
+      concat("\n[", place.sFileName, ": line ", place.lLineNum, "]:[", place.sLastItem, "]");
+  return place.statementLine > 0 ? concat(text, "\n", kStatementLine, place.statementLine) : text;
 }
 
 // A carriage return, 79 blanks and a carriage return.

@@ -2,13 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
-
-#include "io/output_file.h"
-#include "script/script_mode.h"
-#include "script/script_writer.h"
-#include "tests/support/fakes.h"
-#include "vector/ksvf_mode.h"
 
 namespace tapforge::testing {
 
@@ -20,9 +13,6 @@ FilePtr fileWith(std::string_view text) {
   std::rewind(file.get());
   return file;
 }
-
-const SyntaxRules& scriptRules() { return progmode_svf2tapbus::kSyntaxRules; }
-const SyntaxRules& ksvfRules() { return progmode_svf2ksvf::kSyntaxRules; }
 
 namespace {
 
