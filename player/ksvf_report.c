@@ -80,7 +80,7 @@ static void put_device(void* port, KsvfPut put, unsigned device, uint32_t idcode
 
 unsigned ksvf_report_chain(void* port, KsvfPut put) {
   static const uint8_t to_shift_dr[] = {1, 1, 1, 1, 1, 0, 1, 0, 0};
-  enum { kMostZeros = 64 }; /* more devices without an IDCODE in a row are none */
+  enum { kMost = 64 }; /* devices; also those in a row that have no IDCODE */
   unsigned devices = 0;
   unsigned zeros = 0;
   unsigned i;
@@ -88,7 +88,7 @@ unsigned ksvf_report_chain(void* port, KsvfPut put) {
   for (i = 0; i < sizeof to_shift_dr; ++i) {
     (void)ksvf_port_clock(port, to_shift_dr[i], 1);
   }
-  while (zeros < kMostZeros && idcode != 0xffffffff) {
+  while ((zeros < kMost) && (devices < kMost) && (idcode != 0xffffffff)) {
     if (ksvf_port_clock(port, 0, 1) == 0) {
       ++zeros;
       continue;
@@ -110,7 +110,10 @@ unsigned ksvf_report_chain(void* port, KsvfPut put) {
   for (i = 0; i < 5; ++i) {
     (void)ksvf_port_clock(port, 1, 1);
   }
-  if (zeros == kMostZeros) {
+  if (devices >= kMost) {
+    ksvf_put_text(port, put, "no end of the chain\n");
+  }
+  if (zeros == kMost) {
     ksvf_put_text(port, put, "TDO stays 0\n");
   }
   if (zeros + devices == 0) {

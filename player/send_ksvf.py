@@ -23,7 +23,9 @@ def open_line(name, baud):
     tty.setraw(line)
     settings = termios.tcgetattr(line)
     settings[2] |= termios.CLOCAL | termios.CREAD
-    settings[4] = settings[5] = getattr(termios, f"B{baud}")
+    settings[4] = settings[5] = getattr(termios, f"B{baud}", None)
+    if settings[4] is None:
+        raise OSError(f"{baud} baud is no speed of this machine")
     termios.tcsetattr(line, termios.TCSAFLUSH, settings)
     return line
 
@@ -35,7 +37,10 @@ def lines_of(line, silence):
         while b"\n" not in text:
             if not select.select([line], [], [], silence)[0]:
                 raise OSError(f"the board has said nothing for {silence} seconds")
-            text += os.read(line, 4096) or b"\n"
+            more = os.read(line, 4096)
+            if not more:
+                raise OSError("the line is gone")
+            text += more
         one, text = text.split(b"\n", 1)
         yield one
 
@@ -52,7 +57,7 @@ def answer(line, offset, first, data=b""):
 def serve(line, silence, data):
     """Answers the board until it tells a result, and returns the phase and that text. Without
     data it is asked for its chain."""
-    phase, expected = None, [("check", 0)]
+    phase, expected, times = None, [("check", 0)], 0
     for text in lines_of(line, silence):
         request = REQUEST.fullmatch(text)
         here = request and (request[1].decode(), int(request[2]))
@@ -60,6 +65,9 @@ def serve(line, silence, data):
             return phase, text[4:].decode("ascii", "replace")
         if here in expected:
             phase, offset = here
+            times = times + 1 if here == expected[0] else 1
+            if times > 20:
+                raise OSError(f"the block at byte {offset} does not reach the board")
             part = (data or b"")[offset:offset + int(request[3])]
             answer(line, offset, CHAIN if data is None else len(part), part)
             expected = [here, (phase, offset + len(part)), ("play", 0)]
@@ -89,8 +97,9 @@ def main():
     try:
         data = None if options.chain else pathlib.Path(options.file).read_bytes()
         phase, text = serve(open_line(options.line, options.baud), options.silence, data)
-    except (OSError, termios.error, AttributeError) as problem:
-        print(f"send_ksvf.py: {problem}", file=sys.stderr)
+    except (OSError, termios.error) as problem:
+        text = problem if isinstance(problem, OSError) else f"{options.line}: {problem.args[-1]}"
+        print(f"send_ksvf.py: {text}", file=sys.stderr)
         return 2
     if sys.stderr.isatty():
         print(file=sys.stderr)

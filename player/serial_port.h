@@ -20,7 +20,7 @@
 
    Numbers are decimal in lines and big-endian in the answer. An answer that does not
    come, or not as it was sent, is asked for again. A board that has nothing to do
-   asks for the beginning of a file, for ever. */
+   asks for the beginning of a file, for ever. Files of tapforge -v2 are not for it. */
 
 #ifndef KSVF_BLOCK /* Bytes to ask for at once, 1 to 253. */
 #define KSVF_BLOCK 128

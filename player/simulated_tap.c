@@ -21,6 +21,7 @@ static void enter(struct SimulatedTap* tap, uint8_t state) {
   tap->state = state;
   if (state == KSVF_RESET) {
     tap->instruction = kIdcode;
+    tap->busy = 0;
   }
   if (state == KSVF_IDLE && tap->busy > 0) {
     --tap->busy;
@@ -43,7 +44,6 @@ static void enter(struct SimulatedTap* tap, uint8_t state) {
 
 void simulated_tap_begin(struct SimulatedTap* tap) {
   tap->user = 0;
-  tap->busy = 0;
   tap->shifted = 0;
   tap->length = 1;
   enter(tap, KSVF_RESET);
