@@ -56,6 +56,7 @@ struct Board {
     const bool answersOne = data && answered < answers.size() && answers[answered] == '1';
     if (data) ++answered;
     EXPECT_TRUE(shifts || tdi == 1) << "TDI outside of a scan";
+    EXPECT_LE(tms | tdi, 1) << "levels are 0 and 1";
     state = kAfterTms[tms != 0 ? 1 : 0][kStates.find(state)];
     if (shifts) pins += tdi != 0 ? '1' : '0';
     if (!shifts || tms != 0) pins += (shifts ? ">" : "") + std::string(1, state);
@@ -134,7 +135,7 @@ TEST(KsvfPlayer, MovesThePinsAsTheFileSays) {
        "KENDDR 01 KRUNTEST 1 KSDRSIZE 1 KSDR 01 KSTATE 06", "1234<1>56 781 1 2356"},
       {"named steps are a clock each, staying and shifting included",
        "KSTATE 01 KSTATE 01 KSTATE 02 KSTATE 03 KSTATE 04 KSTATE 04 KSTATE 05 KSTATE 06 KSTATE 06 "
-       "KSTATE 07 KSTATE 04 KSTATE 05 KSTATE 08 KSTATE 0b KSTATE 0b KSTATE 0c KSTATE 0d "
+       "KSTATE 07 KSTATE 04 KSTATE 05 KSTATE 05 KSTATE 08 KSTATE 0b KSTATE 0b KSTATE 0c KSTATE 0d "
        "KSTATE 0d KSTATE 0e",
        "1 1 2 3 4< 1 1>5 6 6 7 4< 1>5 8 29ab< 1 1>cd d e"},
       {"a state without its steps is reached the short way, reset with five clocks",
