@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "scan/hex_digits.h"
-#include "svf/text_scan.h"
 #include "tests/support/in_memory.h"
 
 namespace {
@@ -102,21 +101,6 @@ void statementsToKsvf(benchmark::State& state) {
   conversion(state, statements(), [](const auto& svf) { return tapforge::testing::toKsvf(svf); });
 }
 BENCHMARK(statementsToKsvf);
-
-using Prefix = unsigned(const unsigned char*);
-
-void words(benchmark::State& state, Prefix* prefix) {
-  const std::string text = "RUNTEST 100 TCK; SDR 32 TDI (01234567)    ";
-  for (auto _ : state) {
-    for (std::size_t at = 0; at < 24; ++at) {
-      const auto* from = reinterpret_cast<const unsigned char*>(text.data()) + at;
-      benchmark::DoNotOptimize(prefix(from));
-    }
-  }
-  state.SetItemsProcessed(state.iterations() * 24);
-}
-BENCHMARK_CAPTURE(words, fast, tapforge::wordPrefix);
-BENCHMARK_CAPTURE(words, scalar, tapforge::scalar::wordPrefix);
 
 }  // namespace
 

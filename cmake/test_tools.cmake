@@ -27,6 +27,9 @@ macro(provide_gtest)
   endif()
 endmacro()
 
+# No test takes nearly as long as this, also on a busy machine; a loop without end does.
+set(test_seconds 900)
+
 # Makes each test of a GoogleTest program a test of CTest. Under an emulator,
 # which takes long to start, the whole program is one.
 function(add_unit_tests program)
@@ -34,6 +37,12 @@ function(add_unit_tests program)
     add_test(NAME ${program} COMMAND ${program})
   else()
     include(GoogleTest)
-    gtest_discover_tests(${program})
+    gtest_discover_tests(${program} PROPERTIES TIMEOUT ${test_seconds})
   endif()
 endfunction()
+
+# Gives all other tests of the folder that calls it their limit.
+macro(limit_tests)
+  get_property(tests DIRECTORY PROPERTY TESTS)
+  set_tests_properties(${tests} PROPERTIES TIMEOUT ${test_seconds})
+endmacro()

@@ -2,7 +2,7 @@
 
 _tapforge() {
   local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]}
-  local options="-d -i -l -o -s -tck_freq -w -z"
+  local options="-d -exact -i -l -o -s -tck_freq -w -z"
   local word ksvf='' tapbus=''
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in

@@ -1,4 +1,4 @@
-#include "io/block_size.h"
+#include "io/files.h"
 
 namespace tapforge {
 

@@ -20,6 +20,8 @@ void skipLine() {
 
 }  // namespace
 
+std::size_t gBlockSize = std::size_t{128} * 1024;
+
 FilePtr fileCheck(const std::string& name, OpenMode mode, Reporter& report) {
   const bool reads = mode == OpenMode::read;
   FilePtr file = reads ? openForReading(name) : openForWriting(name);
@@ -42,12 +44,20 @@ bool sameRegularFile(std::FILE* a, const std::string& b) {
   return sameRegularFile(fileStatus(a), fileStatus(b));
 }
 
-char getResponse(std::string_view prompt, std::string_view allowed, char atEnd, EmptyAnswer empty) {
+bool isStandardInput(const std::string& name) {
+  const FileStatus input = fileStatus(stdin);
+  const FileStatus named = fileStatus(name);
+  return named.kind != FileKind::none && named.kind == input.kind && named.number != 0 &&
+         named.device == input.device && named.number == input.number;
+}
+
+char getResponse(std::string_view prompt, std::string_view allowed, char atEnd, EmptyAnswer empty,
+                 bool mayRead) {
   std::fflush(stdout);
   std::fputc('\n', stderr);
   for (;;) {
     std::fwrite(prompt.data(), 1, prompt.size(), stderr);
-    const int c = std::getchar();
+    const int c = mayRead ? std::getchar() : EOF;
     if (c == EOF) return atEnd;
     if (c == '\n' && empty == EmptyAnswer::asksAgain) continue;
     skipLine();

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "io/block_size.h"
+#include "io/files.h"
 
 namespace tapforge {
 

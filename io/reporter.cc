@@ -1,7 +1,9 @@
 #include "io/reporter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "io/output_file.h"
 #include "io/text.h"
@@ -39,45 +41,40 @@ std::string dateTimeText(std::time_t time) {
 
 }  // namespace
 
+std::string fileErrorText(std::string_view fileName) { return concat(fileName, " file error"); }
+
 void Reporter::errHandler(Level level, std::string_view text, Where where) {
-  std::string message = concat("\n", prefixOf(level), text.substr(0, kMaxMessage));
-  if (where == Where::input && input_ != nullptr) message += input_->positionText();
+  const auto place = [&] {
+    return where == Where::input && input_ != nullptr ? input_->positionText() : "";
+  };
+  if (!collects_ || level != Level::warning) return message(level, text, place());
+  const auto known = std::find_if(kept_.begin(), kept_.end(),
+                                  [text](const Kept& kept) { return kept.text == text; });
+  if (known == kept_.end()) {
+    kept_.push_back({std::string(text), place(), 1});
+  } else {
+    ++known->count;
+  }
+}
+
+void Reporter::message(Level level, std::string_view text, std::string_view place) {
+  const std::string whole = concat("\n", prefixOf(level), text.substr(0, kMaxMessage), place);
   // Standard output first: when the log cannot take the message, the user has
   // still seen it.
-  print(message);
-  toLog(message);
+  print(whole);
+  toLog(whole);
 }
 
-void Reporter::fatal(std::string_view text, Where where) {
+void Reporter::printFatal(std::string_view text, Where where) {
   errHandler(Level::error, text, where);
-  finishClock();
-  throw ProgramEnd{1};
-}
-
-void Reporter::nullPtrChk(bool present, std::string_view tag) {
-  if (!present) fatal(concat("Null Ptr [", tag, "]"), Where::nowhere);
-}
-
-void Reporter::rangeCheck(std::int64_t value, std::int64_t smallest, std::int64_t largest,
-                          std::string_view name) {
-  if (smallest <= value && value <= largest) return;
-  fatal(concat("[", name, "] range[", smallest, " <= ", value, " <= ", largest, "]"),
-        Where::nowhere);
+  printFinish();
 }
 
 void Reporter::fileError(std::string_view text) {
   fatal(concat("(", style_.toolName, ") ", text), Where::nowhere);
 }
 
-void Reporter::chkFileErr(std::string_view fileName) {
-  fatal(fileErrorText(fileName), Where::nowhere);
-}
-
-std::string Reporter::fileErrorText(std::string_view fileName) {
-  return concat(fileName, " file error");
-}
-
-void Reporter::statusMsg(std::string_view text, StatusStyle style) {
+void Reporter::sendStatus(std::string_view text, StatusStyle style) {
   if (!wantsStatus()) return;
   const bool lineBefore = style == StatusStyle::newLine || style == StatusStyle::ownLine;
   const bool lineAfter = style == StatusStyle::ownLine || style == StatusStyle::line;
@@ -88,9 +85,11 @@ void Reporter::statusMsg(std::string_view text, StatusStyle style) {
                      style == StatusStyle::wipe ? style_.screenWipe : ""));
 }
 
-void Reporter::startClock() { t_TimeStart_ = showDateTime(style_.startLabel); }
-
-void Reporter::finishClock() {
+void Reporter::printFinish() {
+  for (const Kept& warning : std::exchange(kept_, {})) {
+    const std::string times = warning.count > 1 ? concat(" (", warning.count, " times)") : "";
+    message(Level::warning, concat(warning.text, times), warning.place);
+  }
   const std::time_t t_TimeFinish = showDateTime(style_.finishLabel);
   if (t_TimeStart_ != 0) {
     showElapsedTime(t_TimeFinish);
@@ -102,20 +101,27 @@ void Reporter::finishClock() {
 
 std::time_t Reporter::showDateTime(std::string_view label) {
   const std::time_t t_SysDateTime = std::time(nullptr);
-  statusMsg(concat(label, ": ", dateTimeText(t_SysDateTime)), StatusStyle::ownLine);
+  sendStatus(concat(label, ": ", dateTimeText(t_SysDateTime)), StatusStyle::ownLine);
   return t_SysDateTime;
 }
 
 void Reporter::showElapsedTime(std::time_t t_TimeFinish) {
   const auto seconds = static_cast<std::int64_t>(std::difftime(t_TimeFinish, t_TimeStart_));
-  statusMsg(
+  sendStatus(
       concat(style_.elapsedLead, twoDigits(seconds / 3600), ":", twoDigits(seconds % 3600 / 60),
              ":", twoDigits(seconds % 60), style_.elapsedTail),
       StatusStyle::line);
 }
 
 void Reporter::toLog(std::string_view text) {
-  if (log_ != nullptr) log_->write(text);
+  if (log_ == nullptr) return;
+  try {
+    log_->write(text);
+  } catch (const WriteFailed& failed) {
+    log_ = nullptr;
+    logLost_ = true;
+    errHandler(Level::error, fileErrorText(failed.name), Where::nowhere);
+  }
 }
 
 void Reporter::print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }

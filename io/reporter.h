@@ -5,10 +5,14 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tapforge {
 
 class OutputFile;
+
+/// "name file error", for a read or a write that failed.
+std::string fileErrorText(std::string_view fileName);
 
 /// The texts in which the modes' messages and status lines differ.
 struct MessageStyle {
@@ -60,8 +64,8 @@ struct ProgramEnd {
 /// to standard output and the log; status lines go to the log and, when the
 /// screen is on, to standard error.
 ///
-/// A log that cannot be written makes any of the members throw WriteFailed,
-/// after the message has been printed.
+/// A log that cannot be written is reported once, and ends the run after the
+/// message or status line in hand.
 class Reporter {
  public:
   /// The style must live as long as the reporter.
@@ -72,46 +76,55 @@ class Reporter {
 
   const MessageStyle& style() const { return style_; }
 
-  /// Prints one message, cut at 299 characters. Without an input a message that
-  /// asks for the place prints without one.
-  void errHandler(Level level, std::string_view text, Where where);
+  // Messages are cut at 299 characters. Without an input a message that asks for
+  // the place prints without one.
 
   void warning(std::string_view text, Where where = Where::input) {
     errHandler(Level::warning, text, where);
+    endIfLogLost();
   }
   void note(std::string_view text, Where where = Where::input) {
     errHandler(Level::note, text, where);
+    endIfLogLost();
   }
+
+  /// From now on a warning is kept, and printed once at the end of the run, with how often
+  /// it came and the first place.
+  void collectWarnings() { collects_ = true; }
 
   /// Prints an error and the finish and elapsed times, and ends the run with
   /// status 1.
-  [[noreturn]] void fatal(std::string_view text, Where where = Where::input);
+  [[noreturn]] void fatal(std::string_view text, Where where = Where::input) {
+    printFatal(text, where);
+    throw ProgramEnd{1};
+  }
 
-  /// Fatal "Null Ptr [tag]" unless the thing is present.
-  void nullPtrChk(bool present, std::string_view tag);
-
-  /// Fatal "[name] range[smallest <= value <= largest]" unless that is true.
-  void rangeCheck(std::int64_t value, std::int64_t smallest, std::int64_t largest,
-                  std::string_view name);
+  // For the end of a run, where nothing is left to be ended: never throw.
+  void printFatal(std::string_view text, Where where);  // what fatal() prints
+  void errHandler(Level level, std::string_view text, Where where);
+  void printFinish();  // what finishClock() sends
 
   /// Fatal "(tool) text", as for a file that cannot be opened.
   [[noreturn]] void fileError(std::string_view text);
 
-  /// Fatal "name file error", for a read or a write that failed.
-  [[noreturn]] void chkFileErr(std::string_view fileName);
-
-  /// The text of chkFileErr().
-  static std::string fileErrorText(std::string_view fileName);
-
-  void statusMsg(std::string_view text, StatusStyle style);
+  void statusMsg(std::string_view text, StatusStyle style) {
+    sendStatus(text, style);
+    endIfLogLost();
+  }
 
   /// False when status lines are dropped, so that callers need not make them.
   bool wantsStatus() const { return iDbg_SCR_ACTIVITY_ || log_ != nullptr; }
 
   /// Starts the clock for the elapsed time, and sends the time of day.
-  void startClock();
+  void startClock() {
+    t_TimeStart_ = showDateTime(style_.startLabel);
+    endIfLogLost();
+  }
   /// Sends the time of day and, when the clock was started, the elapsed time.
-  void finishClock();
+  void finishClock() {
+    printFinish();
+    endIfLogLost();
+  }
 
   /// Whether status lines also go to the screen; off at first.
   void setScreen(bool on) { iDbg_SCR_ACTIVITY_ = on; }
@@ -127,12 +140,27 @@ class Reporter {
   virtual void printStatus(std::string_view text);
 
  private:
+  void message(Level level, std::string_view text, std::string_view place);
+  void sendStatus(std::string_view text, StatusStyle style);
   void toLog(std::string_view text);
+  void endIfLogLost() {
+    if (!logLost_) return;
+    printFinish();
+    throw ProgramEnd{1};
+  }
   std::time_t showDateTime(std::string_view label);
   void showElapsedTime(std::time_t t_TimeFinish);
 
   const MessageStyle& style_;
   OutputFile* log_ = nullptr;
+  bool logLost_ = false;
+  struct Kept {
+    std::string text;
+    std::string place;
+    std::uint64_t count;
+  };
+  bool collects_ = false;
+  std::vector<Kept> kept_;  // warnings, few different ones
   InputPosition* input_ = nullptr;
   std::time_t t_TimeStart_ = 0;  // 0: not started
   bool iDbg_SCR_ACTIVITY_ = false;

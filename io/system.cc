@@ -48,6 +48,13 @@ std::string utf8(const wchar_t* text) {
   return bytes;
 }
 
+bool isLink(const std::string& name) {
+  const DWORD attributes = GetFileAttributesW(wide(name).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+bool removeName(const std::string& name) { return _wremove(wide(name).c_str()) == 0; }
+
 FileStatus statusOf(HANDLE handle) {
   switch (GetFileType(handle)) {
     case FILE_TYPE_DISK: {
@@ -71,6 +78,13 @@ constexpr const char* kNullDevice = "/dev/null";
 
 int descriptorOf(std::FILE* file) { return fileno(file); }
 
+bool isLink(const std::string& name) {
+  struct stat found = {};
+  return lstat(name.c_str(), &found) == 0 && S_ISLNK(found.st_mode);
+}
+
+bool removeName(const std::string& name) { return unlink(name.c_str()) == 0; }
+
 FileKind kindOf(mode_t mode) {
   if (S_ISREG(mode)) return FileKind::regular;
   if (S_ISDIR(mode)) return FileKind::folder;
@@ -79,8 +93,8 @@ FileKind kindOf(mode_t mode) {
 
 FileStatus statusOf(const struct stat& found) {
   const FileKind kind = kindOf(found.st_mode);
-  if (kind != FileKind::regular) return {kind};
-  return {kind, found.st_dev, found.st_ino, static_cast<std::uint64_t>(found.st_size)};
+  const auto size = kind == FileKind::regular ? static_cast<std::uint64_t>(found.st_size) : 0;
+  return {kind, found.st_dev, found.st_ino, size};
 }
 
 #endif
@@ -183,6 +197,14 @@ FileStatus fileStatus(std::FILE* file) {
 }
 
 #endif
+
+bool discardFile(const std::string& name) {
+  // Emptied first, since it may have other names.
+  FilePtr file = openForWriting(name);
+  if (file == nullptr || !emptyFile(file.get())) return false;
+  file.reset();
+  return isLink(name) || removeName(name);
+}
 
 void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE

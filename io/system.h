@@ -41,12 +41,16 @@ FilePtr openForWriting(const std::string& name);
 /// false if that fails.
 bool emptyFile(std::FILE* file);
 
+/// Removes a file that is left unfinished; where its name is a link, empties it. Returns
+/// false if that fails.
+bool discardFile(const std::string& name);
+
 enum class FileKind { none, regular, folder, pipe, other };
 
 /// What a name or an open file leads to, through links.
 struct FileStatus {
   FileKind kind = FileKind::none;
-  // Together they identify a regular file as long as it exists.
+  // Together they identify a file as long as it exists; 0 where they are not known.
   std::uint64_t device = 0;
   std::uint64_t number = 0;
   std::uint64_t size = 0;  // bytes, of a regular file
@@ -56,7 +60,7 @@ FileStatus fileStatus(const std::string& name);
 FileStatus fileStatus(std::FILE* file);
 
 /// Asks the system for large pages under `size` bytes of new memory, which saves
-/// page faults while a long row of digits is filled: an eighth of the time of its
+/// page faults while a long value is filled: an eighth of the time of its
 /// conversion. Only a hint, so nothing depends on its success.
 void preferLargePages(unsigned char* data, std::size_t size);
 

@@ -11,7 +11,7 @@
 // file so that the compiler joins its loop over the bits with the port below, and
 // a Fault can pass through it.
 #ifndef KSVF_MAX_BITS
-#define KSVF_MAX_BITS (1 << 30)
+#define KSVF_MAX_BITS 0x40000000
 #endif
 #define KSVF_OWN_WAIT 1
 #include "player/ksvf_player.c"  // NOLINT(bugprone-suspicious-include)
@@ -88,16 +88,16 @@ class KsvfReader final : public Reader {
     ready_ = taken_ = 0;
     if (!scanning_) place_.offset = input_.offset();
     ksvf_step(player_.get());
-    longest_ = std::max({longest_, player_->bits, player_->data_bits});
+    longest_ = std::max<std::uint32_t>({longest_, player_->bits, player_->data_bits});
     if (player_->result > KSVF_DONE) fail();
     if (player_->result == KSVF_DONE && input_.peek() >= 0) {
       throw Fault(input_.path() + ": byte " + std::to_string(input_.offset()) +
                   ": something follows KCOMPLETE");
     }
     if (scanning_) return;  // records are still to come
-    if (player_->command == KENDIR || player_->command == KENDDR) {
+    if (player_->command == KSVF_KENDIR || player_->command == KSVF_KENDDR) {
       seen_.kind = Kind::kEndState;
-      seen_.instruction = player_->command == KENDIR;
+      seen_.instruction = player_->command == KSVF_KENDIR;
       const auto end = seen_.instruction ? player_->end_ir : player_->end_dr;
       seen_.word = nameOf(static_cast<TapState>(end));
       finish();
@@ -160,7 +160,7 @@ class KsvfReader final : public Reader {
       enter(nextState(state_, tms));
       const bool shifting = state_ == TapState::kDrShift || state_ == TapState::kIrShift;
       const bool captured = before == TapState::kDrCapture || before == TapState::kIrCapture;
-      if (shifting && captured && player_->command != KSTATE) beginScan();
+      if (shifting && captured && player_->command != KSVF_KSTATE) beginScan();
       return false;
     }
     if (left_ == 0) {  // a record begins, or the whole scan
@@ -254,6 +254,7 @@ int ksvf_port_clock(void* port, int tms, int tdi) {
   return static_cast<int>(static_cast<KsvfReader*>(port)->clock(tms != 0, tdi != 0));
 }
 
-void ksvf_port_wait(void* port, int tms, uint32_t clocks) {
+int ksvf_port_wait(void* port, int tms, uint32_t clocks) {
   static_cast<KsvfReader*>(port)->wait(tms != 0, clocks);
+  return 0;
 }

@@ -8,10 +8,10 @@
 
 namespace tapforge {
 
-/// Bits of a word: how many there are and how they lie in memory. Depends on
-/// nothing else of the program.
+/// Bits are handled in chunks of 64: how many there are and how they lie in memory.
+/// Depends on nothing else of the program.
 
-inline constexpr std::int64_t kWordBits = 64;
+inline constexpr std::int64_t kChunkBits = 64;
 
 /// The case of the letters in hex digits.
 enum class HexCase { lower, upper };
@@ -22,26 +22,26 @@ constexpr std::int64_t bytesOf(std::int64_t bits) { return bits / 8 + (bits % 8 
 
 /// `count` (1 to 64) 1s in the lowest bits.
 constexpr std::uint64_t lowBits(std::int64_t count) {
-  assert(count >= 1 && count <= kWordBits);
-  return ~std::uint64_t{0} >> (kWordBits - count);
+  assert(count >= 1 && count <= kChunkBits);
+  return ~std::uint64_t{0} >> (kChunkBits - count);
 }
 
 /// Eight bytes as a number, the first one lowest.
 inline std::uint64_t loadLittle(const unsigned char* from) {
-  std::uint64_t word = 0;
-  std::memcpy(&word, from, sizeof word);
-  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
-  return word;
+  std::uint64_t chunk = 0;
+  std::memcpy(&chunk, from, sizeof chunk);
+  if constexpr (std::endian::native == std::endian::big) chunk = __builtin_bswap64(chunk);
+  return chunk;
 }
-inline void storeLittle(unsigned char* to, std::uint64_t word) {
-  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
-  std::memcpy(to, &word, sizeof word);
+inline void storeLittle(unsigned char* to, std::uint64_t chunk) {
+  if constexpr (std::endian::native == std::endian::big) chunk = __builtin_bswap64(chunk);
+  std::memcpy(to, &chunk, sizeof chunk);
 }
 
 /// Stores a number as eight bytes, the first one highest.
-inline void storeBig(char* to, std::uint64_t word) {
-  if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
-  std::memcpy(to, &word, sizeof word);
+inline void storeBig(char* to, std::uint64_t chunk) {
+  if constexpr (std::endian::native == std::endian::little) chunk = __builtin_bswap64(chunk);
+  std::memcpy(to, &chunk, sizeof chunk);
 }
 
 }  // namespace tapforge

@@ -8,12 +8,27 @@
 
 namespace tapforge {
 
+/// Bits of a value: those of a field, or the same one everywhere.
+struct BitSource {
+  const CTapField* field;  // null: `fill`
+  std::uint64_t fill = ~std::uint64_t{0};
+
+  /// All of them, where they are at most 64.
+  std::uint64_t shortBits(std::int64_t length) const {
+    return field != nullptr ? field->shortBits() : fill & lowBits(length);
+  }
+};
+
 /// The header, data and trailer patterns of one register, and the scans of the
 /// whole chain that they make together: the header's bits lowest (shifted
 /// first), then the statement's own, then the trailer's.
 ///
 /// A header or trailer without a value is filled with 1s for TDI and SMASK and
-/// with 0s for TDO and MASK; the statement's own part is filled with 1s.
+/// with 0s for TDO and MASK; the statement's own bits are filled with 1s.
+///
+/// What is compared is what a MASK says in a scan that has a TDO. With compareExactly()
+/// it is what SVF means: the bits of each of the three that has a TDO, under its MASK
+/// if it has one.
 class RegisterScan {
  public:
   /// The patterns are borrowed.
@@ -23,6 +38,13 @@ class RegisterScan {
   const CTapPattern& head() const { return head_; }
   const CTapPattern& data() const { return data_; }
   const CTapPattern& trail() const { return trail_; }
+
+  void compareExactly() { exact_ = true; }
+  /// Whether a scan now would have bits to compare.
+  bool compares() const {
+    return data_.pTdo() != nullptr ||
+           (exact_ && (head_.pTdo() != nullptr || trail_.pTdo() != nullptr));
+  }
 
   /// Must be called when header or trailer have changed.
   void frameChanged() { frameFor_ = kUnknown; }
@@ -39,14 +61,20 @@ class RegisterScan {
   /// All bits of a value of a scan whose length() is at most 64: the short scans
   /// of most files, for which nothing has to be set up.
   std::uint64_t shortBits(ScanValue value) const {
-    assert(frameFor_ == data_.lLength() && length_ <= kWordBits);
+    assert(frameFor_ == data_.lLength() && length_ <= kChunkBits);
     const CTapField* const field = data_[value];
+    if (value == ScanValue::mask && exact_ && data_.pTdo() == nullptr)
+      return frame_[indexOf(value)];
     const std::uint64_t bits = field != nullptr ? field->shortBits() : lowBits(data_.lLength());
     return frame_[indexOf(value)] | bits << head_.lLength();
   }
 
+  /// A value of header, data or trailer, or what it is filled with.
+  BitSource sourceOf(const CTapPattern& pattern, ScanValue value) const;
+
  private:
   void makeFrame();
+  std::uint64_t frameBits(const CTapPattern& pattern, ScanValue value, std::int64_t low) const;
 
   static constexpr std::int64_t kUnknown = -1;
 
@@ -55,6 +83,7 @@ class RegisterScan {
   const CTapPattern& trail_;
   std::int64_t frameFor_ = kUnknown;  // bits of data that the rest was worked out for
   std::int64_t length_ = 0;
+  bool exact_ = false;
   // Header and trailer bits of each value, in their places, of a short scan.
   std::array<std::uint64_t, kScanValues.size()> frame_{};
 };
@@ -68,7 +97,7 @@ class CompositeScan {
   CompositeScan(const RegisterScan& scan, ScanValue value, std::int64_t length);
 
   /// A single value, on its own.
-  CompositeScan(const CTapField& field, std::int64_t length);
+  CompositeScan(const BitSource& source, std::int64_t length);
 
   /// Bits `low` (0 to length - 1) to `low` + 63; those above the length are 0.
   std::uint64_t operator()(std::int64_t low) const {
@@ -78,8 +107,7 @@ class CompositeScan {
 
  private:
   struct Piece {
-    const CTapField* field;  // null: `fill` in every bit
-    std::uint64_t fill;
+    BitSource source;
     std::int64_t begin;  // the scan's bit that is the piece's bit 0
     std::int64_t end;
   };

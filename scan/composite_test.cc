@@ -65,7 +65,7 @@ TEST(CompositeScan, IsHeaderDataAndTrailerBitByBit) {
       if (length > 64) continue;
       EXPECT_EQ(plain(scan.shortBits(value)), expected.substr(0, 64));
     }
-    const CompositeScan alone(*data.pTdi(), data.lLength());
+    const CompositeScan alone({data.pTdi()}, data.lLength());
     EXPECT_EQ(plain(alone(0)),
               (plain(data, ScanValue::tdi, ' ') + std::string(64, '0')).substr(0, 64));
   }

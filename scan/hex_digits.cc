@@ -22,7 +22,7 @@ constexpr std::array<std::int8_t, 256> kValues = makeValues();
 
 int hexValue(unsigned char c) { return kValues[c]; }
 
-std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row,
+std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* packed,
                       std::int64_t top) {
   assert(static_cast<std::int64_t>(count) <= top + 1);
   constexpr std::size_t kStep = 16;
@@ -37,10 +37,10 @@ std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned cha
       --taken;
       ++low;
     }
-    // Up to fifteen digits and half a byte go into one word. What the row holds
-    // above them must stay, and what it holds below is still 0.
+    // Up to fifteen digits and half a byte go into one chunk. What is stored above
+    // them must stay, and what is stored below is still 0.
     const std::uint64_t digits = found.value >> (4 * (found.digits - taken));
-    unsigned char* const place = row + low / 2;
+    unsigned char* const place = packed + low / 2;
     storeLittle(place, loadLittle(place) | digits << (4 * (low % 2)));
     done += taken;
     if (found.digits < kStep && taken == found.digits) break;

@@ -5,7 +5,18 @@
 #include <cstdint>
 
 #include "scan/bits.h"
-#include "svf/simd.h"
+
+// Which processors take sixteen digits at a time by vector instructions. All others,
+// and a build with TAPFORGE_SIMD=OFF, use the functions in namespace `scalar`.
+#if !defined(TAPFORGE_NO_SIMD)
+#if defined(__SSE2__) && defined(__x86_64__)
+#define TAPFORGE_SSE2 1
+#include <emmintrin.h>
+#elif defined(__aarch64__) && defined(__ARM_NEON) && !defined(__AARCH64EB__)
+#define TAPFORGE_NEON 1
+#include <arm_neon.h>
+#endif
+#endif
 
 namespace tapforge {
 
@@ -29,12 +40,12 @@ void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out);
 int hexValue(unsigned char c);
 
 /// Decodes the hex digits at the start of `text`, at most `count` (up to `top` + 1),
-/// into the row of nibbles `row`: the first digit goes to nibble `top`, each further
+/// into the nibbles of `packed`: the first digit goes to nibble `top`, each further
 /// one to the nibble below (nibble i is in byte i / 2, the low half when i is even),
 /// all of them 0 before. Stops at the first other character and returns the number of
 /// digits decoded. 16 bytes after the text must be readable, and 8 bytes after the
-/// row are read and written back as they were.
-std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* row,
+/// nibbles are read and written back as they were.
+std::size_t decodeHex(const unsigned char* text, std::size_t count, unsigned char* packed,
                       std::int64_t top);
 
 namespace scalar {
@@ -99,15 +110,18 @@ inline ShortHex decodeShortHex(const unsigned char* text) {
   const uint8x16_t isDigit = vcltq_u8(fromZero, vdupq_n_u8(10));
   const uint8x16_t fromA = vsubq_u8(vorrq_u8(chars, vdupq_n_u8(0x20)), vdupq_n_u8('a'));
   const uint8x16_t isLetter = vcltq_u8(fromA, vdupq_n_u8(6));
-  const unsigned digits = neon::leading(vorrq_u8(isDigit, isLetter));
+  // Four bits for each character, the first one lowest.
+  const uint16x8_t isGood = vreinterpretq_u16_u8(vorrq_u8(isDigit, isLetter));
+  const std::uint64_t others = ~vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(isGood, 4)), 0);
+  const auto digits = others == 0 ? 16U : static_cast<unsigned>(__builtin_ctzll(others)) / 4;
   if (digits == 0) return {0, 0};
   const uint8x16_t letters = vandq_u8(isLetter, vaddq_u8(fromA, vdupq_n_u8(10)));
   const uint8x16_t values = vbslq_u8(isDigit, fromZero, letters);
   // Each pair becomes a byte with the first digit in its high half.
   const uint16x8_t pairs = vreinterpretq_u16_u8(values);
   const uint8x8_t bytes = vmovn_u16(vorrq_u16(vshlq_n_u16(pairs, 4), vshrq_n_u16(pairs, 8)));
-  const std::uint64_t word = __builtin_bswap64(vget_lane_u64(vreinterpret_u64_u8(bytes), 0));
-  return {digits, word >> (64 - 4 * digits)};
+  const std::uint64_t value = __builtin_bswap64(vget_lane_u64(vreinterpret_u64_u8(bytes), 0));
+  return {digits, value >> (64 - 4 * digits)};
 }
 
 inline void encodeHex16(std::uint64_t bits, HexCase hexCase, char* out) {

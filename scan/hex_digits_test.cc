@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cctype>
 #include <string>
 
@@ -43,33 +42,6 @@ TEST(HexDigits, AreWrittenSixteenAtATime) {
       EXPECT_EQ(out, text);
       function(std::stoull(text, nullptr, 16), HexCase::upper, out.data());
       EXPECT_EQ(out, xToUpper(text));
-    }
-  }
-}
-
-// A row of nibbles, each as its digit.
-std::string nibbles(const std::string& row) {
-  std::string text;
-  for (const char c : row) text += {kDigits[c & 15], kDigits[c >> 4 & 15]};
-  return text;
-}
-
-TEST(HexDigits, FillARowDownwards) {
-  for (std::size_t size = 0; size <= 40; ++size) {
-    const std::string digits = (kDigits.substr(1) + kDigits + kDigits).substr(0, size);
-    const std::string text = digits + std::string(16, 'g');
-    for (std::size_t top = 0; top < 44; ++top) {
-      for (std::size_t count = 0; count <= top + 1; ++count) {
-        // What stands above in the row stays; below it is still 0.
-        std::string row(top / 2, '\0');
-        row += (top % 2 == 0 ? '\x50' : '\0') + std::string(8, '\x5a');
-        std::string expected = nibbles(row);
-        auto* const place = reinterpret_cast<unsigned char*>(row.data());
-        const auto done = decodeHex(bytes(text), count, place, static_cast<std::int64_t>(top));
-        EXPECT_EQ(done, std::min(size, count));
-        for (std::size_t i = 0; i < done; ++i) expected[top - i] = digits[i];
-        EXPECT_EQ(nibbles(row), expected) << size << " digits from " << top << " down";
-      }
     }
   }
 }

@@ -12,14 +12,14 @@
 namespace tapforge {
 namespace {
 
-constexpr std::int64_t kProgressStep = 200000;  // digits
+constexpr std::int64_t kReadProgress = 200000;  // digits of one value that are left
 
-// What decodeHex and decodeShortHex read after the text, and decodeHex after the row.
+// What decodeHex and decodeShortHex read after the text, and decodeHex after the digits.
 static_assert(FileChannel::kPadding >= 16 && CTapField::kPadding >= 8);
 
-/// Fills one field with the digits of a hex value as they are read. Digits
-/// arrive most significant first, so the row is filled downwards: its start
-/// then names the last digit read, and nothing has to move.
+/// Fills one field with the digits of a hex value as they are read. Digits arrive
+/// most significant first, so they are stored downwards from the top; only when
+/// there are too few or too many do they have to be turned afterwards.
 class HexReader {
  public:
   HexReader(CTapField& field, FileChannel& channel)
@@ -32,14 +32,15 @@ class HexReader {
       if (channel_.atEnd() && channel_.rules().hexEndsWithFile) break;
       if (c == ')') break;
       if (isSpace(c)) continue;
-      const int value = hexValue(c);
-      if (value < 0) {
+      const int digit = hexValue(c);
+      if (digit < 0) {
         channel_.report().fatal(concat("Invalid SVF data [", static_cast<char>(c), "]"));
       }
-      takeDigit(static_cast<unsigned>(value));
+      takeDigit(static_cast<unsigned>(digit));
     }
+    if (channel_.rules().exact && !any_) channel_.report().fatal("-exact: a value without digits");
     if (shownProgress_) channel_.report().statusMsg("", StatusStyle::wipe);
-    field_.normalise();
+    field_.rotate(position_ + 1);
   }
 
  private:
@@ -49,36 +50,37 @@ class HexReader {
     while (position_ >= 0 && !full_) {
       const std::span<const unsigned char> text = channel_.ahead();
       auto count = std::min<std::int64_t>(std::ssize(text), position_ + 1);
-      // Progress is shown when position_ becomes a multiple of kProgressStep, so
+      // Progress is shown when position_ becomes a multiple of kReadProgress, so
       // digits are decoded at most up to the next multiple.
-      if (position_ > kProgressStep) count = std::min(count, (position_ - 1) % kProgressStep + 1);
+      if (position_ > kReadProgress) count = std::min(count, (position_ - 1) % kReadProgress + 1);
       const auto done = static_cast<std::int64_t>(
           decodeHex(text.data(), static_cast<std::size_t>(count), field_.pData(), position_));
       if (done == 0) return;
       channel_.advancePast(text.data() + done - 1, text.data() + done);
+      any_ = true;
       position_ -= done;
-      field_.setStart(position_ + 1);
       showProgress();
     }
   }
 
-  // One digit when the row is full: it goes where the most significant digit
+  // One digit when all are stored: it goes where the most significant one that is
   // still held is.
-  void takeDigit(unsigned value) {
+  void takeDigit(unsigned digit) {
     if (position_ < 0) {
       position_ = field_.lNumChars() - 1;
       full_ = true;
     }
-    if (full_ && field_.physicalDigit(position_) != 0) {
+    if (full_ && field_.getTapDataChar(position_) != 0) {
       channel_.report().warning("Ignoring excess MSB chars in field");
     }
-    field_.setTapDataChar(position_, value);
+    field_.setTapDataChar(position_, digit);
+    any_ = true;
     --position_;
     showProgress();
   }
 
   void showProgress() {
-    if (position_ <= 0 || position_ % kProgressStep != 0) return;
+    if (position_ <= 0 || position_ % kReadProgress != 0) return;
     channel_.report().statusMsg(concat("*** Reading hex char #", paddedDecimal(position_, 8)),
                                 StatusStyle::rewind);
     shownProgress_ = true;
@@ -88,25 +90,35 @@ class HexReader {
   FileChannel& channel_;
   std::int64_t position_;  // the digit to be written next
   bool full_ = false;
+  bool any_ = false;
   bool shownProgress_ = false;
 };
 
 bool isZero(const CTapField& field) {
-  for (std::int64_t low = 0; low < field.lLength(); low += kWordBits) {
+  for (std::int64_t low = 0; low < field.lLength(); low += kChunkBits) {
     std::uint64_t bits = field.bitsAt(low);
     const std::int64_t rest = field.lLength() - low;
-    if (rest < kWordBits) bits &= lowBits(rest);
+    if (rest < kChunkBits) bits &= lowBits(rest);
     if (bits != 0) return false;
   }
   return true;
 }
 
 /// The value that the current word of a scan statement names.
-ScanValue valueNamed(FileChannel& channel) {
+inline ScanValue valueNamed(FileChannel& channel) {
   for (const ScanValueRow& row : kScanValues) {
     if (channel.is(row.word)) return row.value;
   }
   channel.report().fatal(concat("Invalid SDR format [", channel.tokenLower(), "]"));
+}
+
+// The values of a length of 0, which say nothing, up to ";".
+void skipValues(FileChannel& channel) {
+  while (!channel.lexIs(";")) {
+    static_cast<void>(valueNamed(channel));
+    channel.strSearch("(");
+    channel.skipUntil(")");
+  }
 }
 
 void warnOfBitsAboveLength(std::int64_t length, const CTapField& field, Reporter& report) {
@@ -124,7 +136,7 @@ bool readShortValue(std::int64_t length, CTapField& field, FileChannel& channel)
   // The bytes after the block's text are 0, so no test needs its end.
   const unsigned char* open = channel.ahead().data();
   while (*open == ' ') ++open;
-  if (*open != '(' || length > kWordBits) return false;
+  if (*open != '(' || length > kChunkBits) return false;
   const ShortHex hex = decodeShortHex(open + 1);
   const unsigned char* const close = open + 1 + hex.digits;
   if (*close != ')' || hex.digits == 0 || hex.digits > digitsOf(length)) return false;
@@ -155,7 +167,12 @@ bool readTapData(Keyword keyword, CTapObj& tap, FileChannel& channel) {
   ScanValues given;
   if (length < 1) {
     if (shiftsData(keyword)) channel.report().fatal("Data length must be > 0");
-    channel.skipUntil(";");
+    if (channel.rules().exact) {
+      if (length < 0) channel.report().fatal("Expected positive number");
+      skipValues(channel);
+    } else {
+      channel.skipUntil(";");
+    }
     return pattern.setPattern(length, given);
   }
   while (!channel.lexIs(";")) {
@@ -183,7 +200,7 @@ void initTapField(CTapField& field, std::int64_t length, Reporter& report) {
   try {
     field.initTapField(length);
   } catch (const std::bad_alloc&) {
-    report.nullPtrChk(false, "pData NULL");
+    report.fatal("Null Ptr [pData NULL]", Where::nowhere);
   }
 }
 

@@ -11,7 +11,6 @@ namespace tapforge {
 void CTapField::initTapField(std::int64_t length) {
   assert(length >= 1);
   lLength_ = length;
-  lStartChar_ = 0;
   const std::int64_t bytes = bytesOf(length);
   if (bytes <= capacity_) {
     std::memset(pData_.get(), 0, static_cast<std::size_t>(bytes + kPadding));
@@ -31,40 +30,27 @@ void CTapField::initTapField(std::int64_t length) {
   preferLargePages(pData_.get(), size);
 }
 
-unsigned CTapField::physicalDigit(std::int64_t index) const {
-  assert(index >= 0 && index < lNumChars());
-  const unsigned byte = pData_.get()[index / 2];
-  return index % 2 != 0 ? byte >> 4 : byte & 15U;
-}
-
-void CTapField::putDigit(std::int64_t index, unsigned value) {
-  assert(index >= 0 && index < lNumChars() && value < 16);
+void CTapField::setTapDataChar(std::int64_t index, unsigned digit) {
+  assert(index >= 0 && index < lNumChars() && digit < 16);
   unsigned char& byte = pData_.get()[index / 2];
-  byte = static_cast<unsigned char>(index % 2 != 0 ? (byte & 0x0fU) | (value << 4)
-                                                   : (byte & 0xf0U) | value);
-}
-
-void CTapField::setTapDataChar(std::int64_t index, unsigned value) {
-  putDigit(index, value);
-  lStartChar_ = index;
+  byte = static_cast<unsigned char>(index % 2 != 0 ? (byte & 0x0fU) | (digit << 4)
+                                                   : (byte & 0xf0U) | digit);
 }
 
 void CTapField::reverse(std::int64_t from, std::int64_t to) {
   while (from < --to) {
-    const unsigned low = physicalDigit(from);
-    putDigit(from, physicalDigit(to));
-    putDigit(to, low);
-    ++from;
+    const unsigned low = getTapDataChar(from);
+    setTapDataChar(from++, getTapDataChar(to));
+    setTapDataChar(to, low);
   }
 }
 
-void CTapField::normalise() {
-  if (lStartChar_ == 0) return;
-  // Turned by three reversals: no second row is needed, however long it is.
-  reverse(0, lStartChar_);
-  reverse(lStartChar_, lNumChars());
+void CTapField::rotate(std::int64_t start) {
+  if (start % lNumChars() == 0) return;
+  // By three reversals: no second storage is needed, however long it is.
+  reverse(0, start);
+  reverse(start, lNumChars());
   reverse(0, lNumChars());
-  lStartChar_ = 0;
 }
 
 }  // namespace tapforge

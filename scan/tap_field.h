@@ -14,12 +14,10 @@ namespace tapforge {
 /// from 1 bit up. Bit 0 is the least significant bit of the rightmost hex
 /// digit, the first one shifted.
 ///
-/// The vector is a row of hex digits, two to a byte: physical digit c lies in
-/// byte c / 2, in the low half when c is even. The row is circular: logical
-/// digit 0, the least significant one, is physical digit lStartChar_, so that a
-/// reader can write digits as they arrive and keep the last ones when too many
-/// do. Bits of the top digit above the length stay as they were written; readers
-/// that go by bit number ignore them.
+/// The vector is stored as hex digits, two to a byte: digit c, of which 0 is the
+/// least significant one, lies in byte c / 2, in the low half when c is even. Bits
+/// of the top digit above the length stay as they were written; readers that go by
+/// bit number ignore them.
 class CTapField {
  public:
   /// Makes the vector all zero, `length` bits (at least 1) long. Storage is kept
@@ -28,10 +26,9 @@ class CTapField {
 
   /// The same with a value of at most 64 bits for a length of at most 64.
   void initShort(std::int64_t length, std::uint64_t value) {
-    assert(length >= 1 && length <= kWordBits);
+    assert(length >= 1 && length <= kChunkBits);
     if (capacity_ == 0) initTapField(length);
     lLength_ = length;
-    lStartChar_ = 0;
     storeLittle(pData_.get(), value);
     // bitsAt() of the highest bit looks this far.
     storeLittle(pData_.get() + 8, 0);
@@ -47,27 +44,22 @@ class CTapField {
   std::int64_t lLength() const { return lLength_; }              // bits
   std::int64_t lNumChars() const { return digitsOf(lLength_); }  // hex digits
 
-  /// A digit by its physical index, which is below lNumChars().
-  unsigned physicalDigit(std::int64_t index) const;
-  /// A digit by its logical index, for a field with lStartChar_ 0.
+  /// A digit (0 to 15), by an index below lNumChars().
   unsigned getTapDataChar(std::int64_t index) const {
-    assert(lStartChar_ == 0);
-    return physicalDigit(index);
+    assert(index >= 0 && index < lNumChars());
+    const unsigned byte = pData_.get()[index / 2];
+    return index % 2 != 0 ? byte >> 4 : byte & 15U;
   }
+  void setTapDataChar(std::int64_t index, unsigned digit);
 
-  /// Says which physical digit is logical digit 0.
-  void setStart(std::int64_t index) { lStartChar_ = index; }
+  /// Turns the digits in place, so that the one at `start` (at most lNumChars())
+  /// becomes digit 0 and those below it the most significant ones.
+  void rotate(std::int64_t start);
 
-  /// Writes a digit (0 to 15) by its physical index; it becomes logical digit 0.
-  void setTapDataChar(std::int64_t index, unsigned value);
-
-  /// Turns the row in place until lStartChar_ is 0.
-  void normalise();
-
-  /// 64 bits from logical bit `low` up, for a field with lStartChar_ 0 and `low`
-  /// inside it. What lies beyond the last byte is 0.
+  /// 64 bits from bit `low` up, which lies inside the field. What lies beyond the
+  /// last byte is 0.
   std::uint64_t bitsAt(std::int64_t low) const {
-    assert(lStartChar_ == 0 && low >= 0 && low < lLength_);
+    assert(low >= 0 && low < lLength_);
     const unsigned char* from = pData_.get() + (low >> 3);
     const int shift = static_cast<int>(low & 7);
     // Adds the bits of the ninth byte. Split into two shifts: one by 64 would be
@@ -77,14 +69,14 @@ class CTapField {
 
   /// All bits, for a field of at most 64 bits; those above the length are 0.
   std::uint64_t shortBits() const {
-    assert(lLength_ <= kWordBits);
+    assert(lLength_ <= kChunkBits);
     return loadLittle(pData_.get()) & lowBits(lLength_);
   }
 
-  /// Stores 64 bits from bit `low` up, a multiple of 8, for a field with
-  /// lStartChar_ 0. Bits above the length must be 0.
+  /// Stores 64 bits from bit `low` up, a multiple of 8. Bits above the length must
+  /// be 0.
   void putBits(std::int64_t low, std::uint64_t bits) {
-    assert(lStartChar_ == 0 && low % 8 == 0 && low >= 0 && low < lLength_);
+    assert(low % 8 == 0 && low >= 0 && low < lLength_);
     storeLittle(pData_.get() + (low >> 3), bits);
   }
 
@@ -98,7 +90,6 @@ class CTapField {
   static constexpr std::int64_t kSmall = 48;
 
  private:
-  void putDigit(std::int64_t index, unsigned value);
   void reverse(std::int64_t from, std::int64_t to);
 
   struct Free {
@@ -106,7 +97,6 @@ class CTapField {
   };
 
   std::int64_t lLength_ = 0;
-  std::int64_t lStartChar_ = 0;
   std::int64_t capacity_ = 0;  // bytes that pData_ can hold, without the padding
   std::unique_ptr<unsigned char, Free> pData_;
 };

@@ -14,6 +14,7 @@ namespace tapforge {
 struct CTapObj {
   TapState iRunState = TapState::idle;     // in which RUNTEST waits
   TapState iRunEndState = TapState::idle;  // after a RUNTEST
+  TapState iCurState = TapState::reset;    // that the file has brought the TAP to
   TapState iEndDrState = TapState::idle;
   TapState iEndIrState = TapState::idle;
 
@@ -38,6 +39,16 @@ struct CTapObj {
   CTapObj() = default;
   CTapObj(const CTapObj&) = delete;
   CTapObj& operator=(const CTapObj&) = delete;
+
+  /// -exact: see RegisterScan.
+  void compareExactly() {
+    dataScan.compareExactly();
+    instructionScan.compareExactly();
+  }
+
+  TapState& endStateOf(ScanRegister which) {
+    return which == ScanRegister::data ? iEndDrState : iEndIrState;
+  }
 
   RegisterScan& scanOf(ScanRegister which) {
     return which == ScanRegister::data ? dataScan : instructionScan;

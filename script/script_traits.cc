@@ -1,25 +1,27 @@
-#include "script/script_traits.h"
+#include "script/script_mode.h"
 
 #include "io/text.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 namespace {
 
 // File, line and last item, the source line and, where the token begins on that
 // line, a mark under it.
-std::string positionText(const tapforge::SourcePlace& place) {
-  std::string text =
-      tapforge::concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
-                       " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
+std::string positionText(const SourcePlace& place) {
+  std::string text = concat("\nFile [", place.sFileName, "]\tLine ", place.lLineNum,
+                            " (last item read [", place.sLastItem, "]):\n", place.sSrcLine, "\n");
   const auto column = static_cast<std::size_t>(place.iTokenCol);
-  if (column >= place.sSrcLine.size()) return text;
-  for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
-  return text + "^*\n";
+  if (column < place.sSrcLine.size()) {
+    for (const char c : place.sSrcLine.substr(0, column)) text += c == '\t' ? '\t' : ' ';
+    text += "^*\n";
+  }
+  if (place.statementLine > 0) text += concat(kStatementLine, place.statementLine, "\n");
+  return text;
 }
 
 }  // namespace
 
-const tapforge::MessageStyle kMessageStyle = {
+const MessageStyle kMessageStyle = {
     .toolName = "svf2tapbus",
     .startLabel = "Start ",
     .finishLabel = "Finish",
@@ -30,13 +32,13 @@ const tapforge::MessageStyle kMessageStyle = {
     .screenWipe = "\r                                                          ",
 };
 
-const tapforge::SyntaxRules kSyntaxRules = {
+const SyntaxRules kSyntaxRules = {
     .positionText = positionText,
     .numberTooLong = {"Beyond max number width [", "]"},
     .tokenMissing = {"Expecting [", "]"},
     .endOfFile = "Unexpected EOF",
     .endOfFileHasPosition = true,
-    .lineEnds = tapforge::LineEnds::lineFeedOrReturn,
+    .lineEnds = LineEnds::lineFeedOrReturn,
     .linesAreCut = true,
     .slashIsToken = true,
     .blankIsItem = false,
@@ -45,4 +47,4 @@ const tapforge::SyntaxRules kSyntaxRules = {
     .pathErrorNamesState = false,
 };
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

@@ -4,16 +4,11 @@
 
 #include "io/text.h"
 #include "scan/scan_statement.h"
-#include "script/hex_lines.h"
 #include "svf/numbers.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 
-using tapforge::concat;
-using tapforge::HexCase;
-using tapforge::ScanValue;
-using tapforge::StatusStyle;
-using Kind = tapforge::RunTestPart::Kind;
+using Kind = RunTestPart::Kind;
 
 void ScriptWriter::commentText(std::string_view piece) {
   if (!inComment_) output_.write(words_.comment.view());
@@ -51,11 +46,19 @@ void ScriptWriter::pathState(std::string_view asWritten) {
   sBufStatement_ += asWritten;
 }
 
-void ScriptWriter::frequency(float hertz) {
+void ScriptWriter::frequency(const Frequency& frequency) {
   sBufStatement_ = words_.remark;
   sBufStatement_ += "FREQUENCY";
-  if (hertz > 0) sBufStatement_ += concat(" ", tapforge::truncated(hertz), " Hz");
+  if (vars_.exact && !frequency.asWritten.empty()) {
+    sBufStatement_ += concat(" ", frequency.asWritten, " ", frequency.unit);
+  } else if (frequency.hertz > 0) {
+    sBufStatement_ += concat(" ", truncated(frequency.hertz), " Hz");
+  }
   sBufStatement_ += " ;";
+}
+
+void ScriptWriter::parallelIo(std::string_view keyword, std::string_view asWritten) {
+  output_.write(concat(keyword, " (", asWritten, ") ;\n"));
 }
 
 void ScriptWriter::trst(std::string_view modeAsWritten) {
@@ -63,15 +66,15 @@ void ScriptWriter::trst(std::string_view modeAsWritten) {
   sBufStatement_ += concat("TRST ", modeAsWritten, " ;");
 }
 
-void ScriptWriter::runTestPart(const tapforge::RunTestPart& part) {
+void ScriptWriter::runTestPart(const RunTestPart& part) {
   switch (part.kind) {
     case Kind::runState:
     case Kind::endState:
       sBufStatement_ += part.kind == Kind::runState ? words_.runState : words_.endState;
-      sBufStatement_ += tapforge::getTapStateName(part.state);
+      sBufStatement_ += getTapStateName(part.state);
       break;
     case Kind::count:
-      runCount(tapforge::truncated(part.number.asFloat()), part.asWritten);
+      runCount(truncated(part.number.asFloat()), part.asWritten);
       break;
     case Kind::minTime:
       minTime(part.number.asFloat());
@@ -82,6 +85,12 @@ void ScriptWriter::runTestPart(const tapforge::RunTestPart& part) {
     case Kind::time:
       assert(false);  // times stay times in mode 0
   }
+}
+
+void ScriptWriter::exactPart(const RunTestPart& part, std::string_view number) {
+  if (part.kind == Kind::runState || part.kind == Kind::endState) return runTestPart(part);
+  const std::string_view lead = part.kind == Kind::maxTime ? " MAXIMUM " : " ";
+  sBufStatement_ += concat(lead, number, " ", part.asWritten);
 }
 
 void ScriptWriter::doDataShift(Keyword keyword, CTapObj& tap, LineRest rest) {
@@ -96,7 +105,7 @@ void ScriptWriter::doDataShift(Keyword keyword, CTapObj& tap, LineRest rest) {
 
 void ScriptWriter::writeScan(Keyword keyword, RegisterScan& scan, LineRest rest) {
   const std::int64_t length =
-      vars_.iSvfSyntaxCheck ? scan.data().lLength() : tapforge::compositeLength(scan, report_);
+      vars_.iSvfSyntaxCheck ? scan.data().lLength() : compositeLength(scan, report_);
   // A scan of short values is written into one reserved stretch of the output.
   char* out = output_.reserve(kScanText);
   out = words_.scan[keyword == Keyword::sdr ? 1 : 0].copyTo(out);
@@ -107,24 +116,31 @@ void ScriptWriter::writeScan(Keyword keyword, RegisterScan& scan, LineRest rest)
     printDataAndMask({}, scan.data(), !vars_.iSkipTdoTest);
     out = output_.reserve(kScanText);
   } else {
-    out = combineHeaderDataTrailer(out, scan, length);
+    out = combineHeaderDataTrailer(out, keyword, scan, length);
   }
   output_.advance(words_.scanEnd.copyTo(out));
   writeSeparator(rest);
   if (vars_.iInsertWait > 0) output_.write(concat("RUNTEST ", vars_.iInsertWait, " TCK;\n"));
 }
 
-char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan,
+// Whether a merged scan has an SMASK: one without would inherit that of an earlier one.
+bool ScriptWriter::exactSmask(Keyword keyword, const RegisterScan& scan, std::int64_t length) {
+  std::int64_t& inForce = smaskLength_[keyword == Keyword::sdr ? 1 : 0];
+  inForce = scan.data().pSmask() != nullptr || inForce == length ? length : 0;
+  return inForce != 0;
+}
+
+char* ScriptWriter::combineHeaderDataTrailer(char* out, Keyword keyword, const RegisterScan& scan,
                                              std::int64_t length) {
   constexpr ShortText kTdi = "\n    TDI (";
   constexpr ShortText kSmask = ")\n  SMASK (";
   constexpr ShortText kTdo = ")\n    TDO (";
   constexpr ShortText kMask = ")\n   MASK (";
   out = consolidateData(kTdi.copyTo(out), scan, ScanValue::tdi, length);
-  if (scan.data().pSmask() != nullptr) {
+  if (vars_.exact ? exactSmask(keyword, scan, length) : scan.data().pSmask() != nullptr) {
     out = consolidateData(kSmask.copyTo(out), scan, ScanValue::smask, length);
   }
-  if (!vars_.iSkipTdoTest && scan.data().pTdo() != nullptr) {
+  if (!vars_.iSkipTdoTest && scan.compares()) {
     out = consolidateData(kTdo.copyTo(out), scan, ScanValue::tdo, length);
     out = consolidateData(kMask.copyTo(out), scan, ScanValue::mask, length);
   }
@@ -136,37 +152,35 @@ char* ScriptWriter::combineHeaderDataTrailer(char* out, const RegisterScan& scan
 // value go out in lines, each reserved for itself.
 inline char* ScriptWriter::consolidateData(char* out, const RegisterScan& scan, ScanValue value,
                                            std::int64_t length) {
-  const std::int64_t digits = tapforge::digitsOf(length);
-  if (length <= tapforge::kWordBits) {
-    return tapforge::putDigits(out, tapforge::ShortScan{scan.shortBits(value)}, 0, digits,
-                               HexCase::lower);
+  const std::int64_t digits = digitsOf(length);
+  if (length <= kChunkBits) {
+    return putDigits(out, ShortScan{scan.shortBits(value)}, 0, digits, HexCase::lower);
   }
-  constexpr std::int64_t kProgressStep = 200000;  // digits
-  static_assert(kProgressStep % kDigitsPerLine == 0, "progress is shown between two lines");
+  constexpr std::int64_t kWriteProgress = 200000;  // digits written so far
+  static_assert(kWriteProgress % kDigitsPerLine == 0, "progress is shown between two lines");
   output_.advance(out);
   // The digits of the lines after the first are right under those of the first.
   writeHexLines(output_, CompositeScan(scan, value, length), digits, HexCase::lower, "\n         ",
                 [this](std::int64_t first) {
-                  if (first == 0 || first % kProgressStep != 0) return;
-                  report_.statusMsg(
-                      concat("*** Writing hex char #", tapforge::paddedDecimal(first, 8)),
-                      StatusStyle::rewind);
+                  if (first == 0 || first % kWriteProgress != 0) return;
+                  report_.statusMsg(concat("*** Writing hex char #", paddedDecimal(first, 8)),
+                                    StatusStyle::rewind);
                 });
-  if (digits > kProgressStep) report_.statusMsg("", StatusStyle::wipe);
+  if (digits > kWriteProgress) report_.statusMsg("", StatusStyle::wipe);
   return output_.reserve(kScanText);
 }
 
 void ScriptWriter::printDataAndMask(std::string_view keyword, const CTapPattern& pattern,
                                     bool withTdo) {
-  if (pattern.pTdi() == nullptr) report_.nullPtrChk(false, "TDI=NULL");
+  if (pattern.pTdi() == nullptr) report_.fatal("Null Ptr [TDI=NULL]", Where::nowhere);
   const std::int64_t length = pattern.lLength();
-  printValue({keyword, ScanValue::tdi, *pattern.pTdi(), pattern.pSmask(), length});
+  printValue({keyword, ScanValue::tdi, {pattern.pTdi()}, pattern.pSmask(), length});
   if (!withTdo || pattern.pTdo() == nullptr) return;
-  printValue({keyword, ScanValue::tdo, *pattern.pTdo(), pattern.pMask(), length});
+  printValue({keyword, ScanValue::tdo, {pattern.pTdo()}, pattern.pMask(), length});
   // A mask is shown only with expected bits.
-  if (pattern.pMask() != nullptr) {
-    printValue({keyword, ScanValue::mask, *pattern.pMask(), nullptr, length});
+  if (pattern.pMask() != nullptr || vars_.exact) {
+    printValue({keyword, ScanValue::mask, {pattern.pMask()}, nullptr, length});
   }
 }
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 
 /// A fixed text of at most 16 characters, which is copied without a call. A longer
 /// one does not compile.
@@ -93,6 +93,6 @@ class StatementText {
   std::size_t size_ = 0;
 };
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus
 
 #endif  // TAPFORGE_SCRIPT_STATEMENT_TEXT_H

@@ -1,13 +1,10 @@
 // The SVF form of mode 0.
 
 #include "io/text.h"
-#include "script/hex_lines.h"
 #include "script/script_writer.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 namespace {
-
-using tapforge::concat;
 
 constexpr FormWords kWords = {
     .comment = "",
@@ -28,7 +25,7 @@ class SvfWriter final : public ScriptWriter {
 
   void endStateStatement(ScanRegister which, TapState state) override {
     sBufStatement_ = which == ScanRegister::data ? ShortText("ENDDR ") : ShortText("ENDIR ");
-    sBufStatement_ += tapforge::xToUpper(tapforge::getTapStateName(state));
+    sBufStatement_ += xToUpper(getTapStateName(state));
     sBufStatement_ += " ;";
   }
 
@@ -40,10 +37,10 @@ class SvfWriter final : public ScriptWriter {
     sBufStatement_ += unit;
   }
   void minTime(float seconds) override {
-    sBufStatement_ += concat(" ", tapforge::shortExponent(seconds), " sec");
+    sBufStatement_ += concat(" ", shortExponent(seconds), " sec");
   }
   void maxTime(float seconds) override {
-    sBufStatement_ += concat(" MAXIMUM ", tapforge::shortExponent(seconds), " sec");
+    sBufStatement_ += concat(" MAXIMUM ", shortExponent(seconds), " sec");
   }
 
   // The note ends in "!", which makes the statement's own first line a comment;
@@ -61,16 +58,15 @@ class SvfWriter final : public ScriptWriter {
   void printValue(const Value& value) override {
     static constexpr ShortText kLabels[] = {"\n!   TDI (", "\n!   TDO (", "\n!  MASK ("};
     static_assert(std::size(kLabels) == Value::kKinds);
-    const std::int64_t digits = tapforge::digitsOf(value.length);
+    const std::int64_t digits = digitsOf(value.length);
     char* out = output_.reserve(kScanText);
     out = kLabels[indexOf(value.which)].copyTo(out);
-    if (value.length <= tapforge::kWordBits) {
-      out = tapforge::putDigits(out, value.shortBits(), 0, digits, tapforge::HexCase::upper);
+    if (value.length <= kChunkBits) {
+      out = putDigits(out, value.shortBits(), 0, digits, HexCase::upper);
     } else {
       output_.advance(out);
       value.withBits([&](const auto& bits) {
-        writeHexLines(output_, bits, digits, tapforge::HexCase::upper, "\n!        ",
-                      [](std::int64_t) {});
+        writeHexLines(output_, bits, digits, HexCase::upper, "\n!        ", [](std::int64_t) {});
       });
       out = output_.reserve(kScanText);
     }
@@ -86,4 +82,4 @@ std::unique_ptr<ScriptWriter> makeSvfWriter(const ScriptVars& vars, OutputFile& 
   return std::make_unique<SvfWriter>(vars, output, report);
 }
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

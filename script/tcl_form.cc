@@ -1,14 +1,14 @@
 // The Tcl form of mode 0: commands for a console with a tapbus.
 
+#include <utility>
 #include "io/text.h"
+
 #include "scan/hex_output.h"
 #include "script/script_writer.h"
 #include "svf/numbers.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 namespace {
-
-using tapforge::concat;
 
 constexpr FormWords kWords = {
     .comment = "#-",
@@ -22,6 +22,8 @@ constexpr FormWords kWords = {
     .statementEnd = "",
 };
 
+constexpr std::int64_t kDefaultTckFreq = 1000000;  // Hz, of -tck_freq
+
 class TclWriter final : public ScriptWriter {
  public:
   TclWriter(const ScriptVars& vars, OutputFile& output, Reporter& report)
@@ -29,15 +31,42 @@ class TclWriter final : public ScriptWriter {
 
   void endStateStatement(ScanRegister which, TapState state) override {
     sBufStatement_.clear();
-    sBufStatement_ +=
-        concat("set_property ENDSTATE_", which == ScanRegister::data ? "DR" : "IR", " {",
-               tapforge::xToUpper(tapforge::getTapStateName(state)), "} $current_tapbus");
+    sBufStatement_ += concat("set_property ENDSTATE_", which == ScanRegister::data ? "DR" : "IR",
+                             " {", xToUpper(getTapStateName(state)), "} $current_tapbus");
+  }
+
+  // In a comment a Tcl shell minds a backslash before the line end, and a 0x1a; others
+  // may mind what is not ASCII.
+  void commentText(std::string_view piece) override {
+    if (!vars_.exact) return ScriptWriter::commentText(piece);
+    std::string text(held_ ? "\\" : "");
+    for (const char c : piece) text += c == '\t' || (c >= ' ' && c <= '~') ? c : '?';
+    held_ = text.ends_with('\\');
+    if (held_) text.pop_back();
+    ScriptWriter::commentText(text);
+  }
+  void commentEnd() override {
+    if (std::exchange(held_, false)) output_.put('?');
+    ScriptWriter::commentEnd();
+  }
+
+  bool waitsInClocks() const override { return true; }
+  // The first commands of a long wait stay in its state, where the next one goes on.
+  void exactWait(TapState state, TapState endState, std::int64_t clocks) override {
+    const std::int64_t most = vars_.lGlobOptMaxRtiTck;
+    const auto command = [&](TapState end, std::int64_t count) {
+      output_.write(concat("runtest_tapbus -wait ", getTapStateName(state), " -tck ", count,
+                           " -end_state ", getTapStateName(end), "\n"));
+    };
+    for (; clocks > most; clocks -= most) command(state, most);
+    command(endState, clocks);
   }
 
  private:
   void runCount(std::int64_t count, std::string_view /*unit*/) override { splitWait(count); }
   void minTime(float seconds) override {
-    splitWait(tapforge::truncated(static_cast<float>(vars_.lGlobTckFreq) * seconds));
+    const std::int64_t hertz = vars_.lGlobTckFreq > 0 ? vars_.lGlobTckFreq : kDefaultTckFreq;
+    splitWait(truncated(static_cast<float>(hertz) * seconds));
   }
   void maxTime(float /*seconds*/) override {
     report_.fatal("RUNTEST MAXIMUM not supported in tapbus mode");
@@ -61,11 +90,24 @@ class TclWriter final : public ScriptWriter {
                           std::string_view note, LineRest rest) override {
     output_.write(
         concat("set_property ", keyword, "_length {", pattern.lLength(), "} $current_tapbus"));
+    if (vars_.exact) return exactProperties(keyword, pattern);
     writeSeparator(rest);
     if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, true);
     output_.write(note);
     output_.put('\n');
     writeSeparator(rest);
+  }
+
+  // A property stays until it is set anew, so without expected bits there are some that
+  // are compared nowhere.
+  void exactProperties(std::string_view keyword, const CTapPattern& pattern) {
+    const bool compares = pattern.pTdo() != nullptr && !vars_.iSkipTdoTest;
+    if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, compares);
+    for (const ScanValue value : {ScanValue::tdo, ScanValue::mask}) {
+      if (compares || pattern.lLength() == 0) continue;
+      printValue({keyword, value, {nullptr, 0}, nullptr, pattern.lLength()});
+    }
+    output_.put('\n');
   }
 
   // Values of scans are arguments, those of headers and trailers properties.
@@ -85,20 +127,22 @@ class TclWriter final : public ScriptWriter {
   }
 
   void printDigits(const Value& value) {
-    constexpr std::int64_t kProgressStep = 10000;  // digits
-    const bool isMask = value.which == tapforge::ScanValue::mask;
+    constexpr std::int64_t kTclProgress = 10000;  // digits of one value that are left
+    const bool isMask = value.which == ScanValue::mask;
     const std::string_view progress = isMask ? "Process mask data char " : "Process data char ";
     value.withBits([&](const auto& bits) {
-      for (std::int64_t top = tapforge::digitsOf(value.length) - 1; top >= 0;) {
-        const std::int64_t last = top - top % kProgressStep;
-        tapforge::writeDigits(output_, bits, top, top - last + 1, tapforge::HexCase::upper);
+      for (std::int64_t top = digitsOf(value.length) - 1; top >= 0;) {
+        const std::int64_t last = top - top % kTclProgress;
+        writeDigits(output_, bits, top, top - last + 1, HexCase::upper);
         if (report_.wantsStatus()) {
-          report_.statusMsg(concat(progress, last), tapforge::StatusStyle::rewind);
+          report_.statusMsg(concat(progress, last), StatusStyle::rewind);
         }
         top = last - 1;
       }
     });
   }
+
+  bool held_ = false;  // a backslash of a comment, which may be its last
 };
 
 }  // namespace
@@ -108,4 +152,4 @@ std::unique_ptr<ScriptWriter> makeTclWriter(const ScriptVars& vars, OutputFile& 
   return std::make_unique<TclWriter>(vars, output, report);
 }
 
-}  // namespace progmode_svf2tapbus
+}  // namespace tapforge::progmode_svf2tapbus

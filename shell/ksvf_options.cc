@@ -1,24 +1,17 @@
-#include "shell/ksvf_options.h"
+#include "vector/ksvf_mode.h"
 
 #include <cstdio>
 #include <optional>
 #include <utility>
 
+#include "io/text.h"
 #include "shell/options.h"
+#include "shell/prog_mode.h"
 #include "shell/version.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
 
-using tapforge::concat;
-using tapforge::decimalArgument;
-using tapforge::exitUsage;
-using tapforge::fileNameArgument;
-using tapforge::OptionCall;
-using tapforge::overwriteOption;
-using tapforge::RunFiles;
-using tapforge::setFlag;
-using tapforge::StatusStyle;
 using Option = tapforge::Option<KsvfVars>;
 
 constexpr std::int64_t kDefaultRecord = 128;  // bits
@@ -29,7 +22,7 @@ bool takeInputs(const OptionCall& call, KsvfVars& /*vars*/) {
   files.pFC_Input.clear();
   while (const std::optional<std::string> name = call.args.fileName()) files.addInput(*name);
   if (files.pFC_Input.empty()) {
-    files.report.fatal("missing [InputFile] filename", tapforge::Where::nowhere);
+    files.report.fatal("missing [InputFile] filename", Where::nowhere);
   }
   return true;
 }
@@ -39,13 +32,13 @@ bool takeOutputName(const OptionCall& call, KsvfVars& /*vars*/) {
   files.sOutputName.reset();
   const std::string name = fileNameArgument(call, "OutFile");
   files.refuseInputAsOutput(name);
-  if (files.iOverWritePrompt && tapforge::fileExists(name)) {
+  if (files.iOverWritePrompt && fileExists(name)) {
     files.report.setScreen(true);
     files.report.statusMsg(
         "The specified output file exists. Please delete the existing file and then retry the "
         "operation or specify the '-w' command-line option to overwrite the file.",
         StatusStyle::ownLine);
-    throw tapforge::ProgramEnd{1};
+    throw ProgramEnd{1};
   }
   files.sOutputName = name;
   return true;
@@ -83,10 +76,11 @@ bool takeVersionText(const OptionCall& call, KsvfVars& vars) {
 constexpr Option kOptions[] = {
     {"i", takeInputs, ""},
     {"o", takeOutputName, ""},
-    tapforge::kLogOption<KsvfVars>,
-    tapforge::kKeyOption<KsvfVars>,
+    kLogOption<KsvfVars>,
+    kKeyOption<KsvfVars>,
     // The mode switch, which has done its work.
-    {"ksvf", [](const OptionCall&, KsvfVars&) { return true; }, ""},
+    {"ksvf", takeNothing, ""},
+    {"exact", setFlag<&KsvfVars::exact>, ""},
     {"inorder", setFlag<&KsvfVars::iInOrder>, ""},
     {"runmin",
      [](const OptionCall& call, KsvfVars& vars) {
@@ -105,7 +99,8 @@ constexpr Option kOptions[] = {
      "\t-minkstate = use minimum KSTATE set compatible w/ KSVF player v4.x\n"},
     {"multiple_runtest", setFlag<&KsvfVars::iMultipleRunTest>,
      "\t-multiple_runtest = input file has consecutive RUNTEST commands\n"},
-    {"nc", setFlag<&KsvfVars::iSvfCompress>, "\t-nc = no compression during translation\n"},
+    // Repeats are suppressed all the same.
+    {"nc", takeNothing, "\t-nc = no compression during translation\n"},
     {"r",
      [](const OptionCall& call, KsvfVars& vars) {
        vars.lKrepeatVal = decimalArgument(call, "specify programming retry count");
@@ -116,7 +111,7 @@ constexpr Option kOptions[] = {
      "\t-rlen <rec len> = specify record length (usually for SPROMs)\n"
      "\t   default = 128 bits (32 hex chars) per record; applies only to FPGAs\n"},
     {"s", setFlag<&KsvfVars::iSkipTdoTest>, "\t-s = skip TDO tests\n"},
-    tapforge::kFrequencyOption<KsvfVars>,
+    kFrequencyOption<KsvfVars>,
     {"useksdr", setFlag<&KsvfVars::iOptUseKSDR>, "\t-useKSDR = use KSDR command if SDR MASK = 0\n"},
     {"v2", setFlag<&KsvfVars::iV2Compatibility>,
      "\t-v2 = generate code compatible with KSVF player v2.x\n"},
@@ -154,41 +149,73 @@ constexpr std::span<const Option> kTable = kOptions;
   files.report.setScreen(true);
   files.report.statusMsg("Usage: tapforge -ksvf [options] -i <input file> -o <output file>",
                          StatusStyle::line);
-  tapforge::displayProgOptions(
-      "--> options for SVF-to-KSVF conversion:", kTable,
-      vars.iOptShowAllOpts ? tapforge::InternalOptions::shown : tapforge::InternalOptions::hidden);
-  throw tapforge::ProgramEnd{0};
+  displayProgOptions("--> options for SVF-to-KSVF conversion:", kTable,
+                     vars.iOptShowAllOpts ? InternalOptions::shown : InternalOptions::hidden);
+  throw ProgramEnd{0};
 }
 
-// Settles what options mean together. False, with a message, if they do not go
-// together.
-bool checkOptCombo(KsvfVars& vars, RunFiles& files) {
-  if (!vars.iFpgaFormat && vars.lFpgaRecSize > 0) {
-    files.report.setScreen(true);
-    displayVersion(files.report);
-    std::fputs("Use \"-fpga\" option when specifying FPGA/PROM rec length", stdout);
-    return false;
-  }
-  if (vars.lFpgaRecSize < 0) vars.lFpgaRecSize = kDefaultRecord;
-  if (vars.iFpgaFormat) vars.lKrepeatVal = 0;
-  if (vars.iKsvfExt) vars.iOptMinKstateUsage = false;
-  return true;
-}
-
-}  // namespace
-
-void displayVersion(tapforge::Reporter& report) {
+void displayVersion(Reporter& report) {
   report.statusMsg(concat(kKsvfVersion, " ", kCopyright, "\nOndrel SVF-to-KSVF Writer"),
                    StatusStyle::line);
 }
 
+// What -exact means for the others.
+void chooseExact(const ArgCursor& args, KsvfVars& vars, RunFiles& files) {
+  beginExact(args, {"v2", "minkstate", "inorder", "multiple_runtest", "runmin"}, files);
+  vars.giUseKwait = vars.iInOrder = vars.iKsvfExt = true;
+  if (!args.seen("r")) vars.lKrepeatVal = 0;
+  if (vars.lKrepeatVal < 0 || vars.lKrepeatVal > 255) {
+    exitUsage(concat(files.report.style().toolName, ": -exact: -r must be in range [0..255]\n"));
+  }
+}
+
+// Settles what options mean together, or ends the run.
+void checkOptCombo(KsvfVars& vars, RunFiles& files) {
+  if (!vars.iFpgaFormat && vars.lFpgaRecSize > 0) {
+    files.report.setScreen(true);
+    displayVersion(files.report);
+    std::fputs("Use \"-fpga\" option when specifying FPGA/PROM rec length", stdout);
+    throw ProgramEnd{1};
+  }
+  if (vars.lFpgaRecSize < 0) vars.lFpgaRecSize = kDefaultRecord;
+  if (vars.iFpgaFormat) vars.lKrepeatVal = 0;
+  if (vars.iKsvfExt) vars.iOptMinKstateUsage = false;
+}
+
+// Reads the command line into `vars` and opens its files but for the output, of
+// which it sets the name. Returns only when it is complete and its options go
+// together; else the help ends the run with status 0, a bad option or file with 1.
 void getCmdOptions(std::span<const std::string> arguments, KsvfVars& vars, RunFiles& files) {
-  tapforge::ArgCursor args(arguments);
-  if (const auto unknown = tapforge::walkOptions(args, kTable, vars, files)) {
+  ArgCursor args(arguments);
+  if (const auto unknown = walkOptions(args, kTable, vars, files)) {
     exitUsage(concat(files.report.style().toolName, ": unknown option [", *unknown, "]\n"));
   }
   if (files.pFC_Input.empty() || !files.sOutputName || !args.atEnd()) showUsage(vars, files);
-  if (!checkOptCombo(vars, files)) throw tapforge::ProgramEnd{1};
+  if (vars.exact) chooseExact(args, vars, files);
+  checkOptCombo(vars, files);
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace
+
+int main_svf2ksvf(std::span<const std::string> arguments) {
+  Reporter report(kMessageStyle);
+  RunFiles files(report, EmptyAnswer::takesNextLine);
+  return runProgram(files, [&] {
+    KsvfVars vars;
+    getCmdOptions(arguments, vars, files);
+    displayVersion(report);
+    report.startClock();
+    // The options have made sure that it may be overwritten.
+    files.iOverWritePrompt = false;
+    files.makeChannel(files.pFC_Output, *files.sOutputName);
+    files.beginOutputs();
+    for (std::size_t i = 1; i < files.pFC_Input.size(); ++i) {
+      report.warning(concat("Input file [", files.pFC_Input[i].name, "] is not converted"),
+                     Where::nowhere);
+    }
+    return processSVF(vars, files.pFC_Input.front(), *files.pFC_Output, files.pFC_Ascii.get(),
+                      report);
+  });
+}
+
+}  // namespace tapforge::progmode_svf2ksvf

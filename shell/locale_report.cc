@@ -1,4 +1,4 @@
-#include "shell/locale_report.h"
+#include "shell/prog_mode.h"
 
 #include <array>
 #include <clocale>

@@ -1,16 +1,19 @@
 #ifndef TAPFORGE_SHELL_OPTIONS_H
 #define TAPFORGE_SHELL_OPTIONS_H
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "io/text.h"
-#include "shell/run_files.h"
+#include "shell/run.h"
 
 namespace tapforge {
 
@@ -27,12 +30,19 @@ class ArgCursor {
   /// The next argument if it does not begin with "-".
   std::optional<std::string> fileName();
   bool atEnd() const { return next_ == arguments_.size(); }
+  /// Whether a "-i" anywhere has standard input among the names after it.
+  bool namesStandardInput() const;
+  /// Whether option() has given this name.
+  bool seen(std::string_view name) const {
+    return std::find(names_.begin(), names_.end(), name) != names_.end();
+  }
 
  private:
   bool nextIsOption() const { return arguments_[next_].starts_with('-'); }
 
   std::span<const std::string> arguments_;
   std::size_t next_ = 0;
+  std::vector<std::string> names_;
 };
 
 /// What an option works on, apart from the variables of its mode.
@@ -72,6 +82,12 @@ constexpr std::int64_t kLargestNumber = std::numeric_limits<std::int32_t>::max()
 bool numberArgument(const OptionCall& call, std::int64_t smallest, std::int64_t& variable);
 
 // Actions of options that only set one variable, a member of Vars.
+
+/// Has no value and no effect.
+template <typename Vars>
+bool takeNothing(const OptionCall& /*call*/, Vars& /*vars*/) {
+  return true;
+}
 
 /// Has no value.
 template <auto variable, typename Vars>
@@ -116,23 +132,18 @@ constexpr Option<Vars> kFrequencyOption = {
 
 // The walk.
 
-/// Looks the option up in the table and takes it. Returns false if it is not
-/// there or could not be taken.
-template <typename Vars>
-bool processProgOptions(const OptionCall& call, std::span<const Option<Vars>> table, Vars& vars) {
-  for (const Option<Vars>& option : table) {
-    if (option.name == call.name) return option.take(call, vars);
-  }
-  return false;
-}
-
 /// Takes options until the end or the first argument that is none. Returns the
-/// name of an option that could not be taken, if there was one.
+/// name of an option that is not in the table or could not be taken, if there was
+/// one.
 template <typename Vars>
 std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<Vars>> table,
                                        Vars& vars, RunFiles& files) {
+  files.stdinIsInput = args.namesStandardInput();
   while (std::optional<std::string> name = args.option()) {
-    if (!processProgOptions({*name, args, files}, table, vars)) return name;
+    const auto row = std::find_if(table.begin(), table.end(), [&name](const Option<Vars>& option) {
+      return option.name == *name;
+    });
+    if (row == table.end() || !row->take({*name, args, files}, vars)) return name;
   }
   return std::nullopt;
 }
@@ -140,7 +151,11 @@ std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<V
 /// Ends the run with status 1 after printing the text on standard error.
 [[noreturn]] void exitUsage(std::string_view text);
 
-/// The frame of an option list: a tab and 75 "=".
+/// -exact: wrong usage with any of these options. Sets what else it needs of a run.
+void beginExact(const ArgCursor& args, std::initializer_list<std::string_view> refused,
+                RunFiles& files);
+
+/// The line before and after an option list: a tab and 75 "=".
 inline constexpr std::string_view kRuleLine =
     "\t===========================================================================";
 static_assert(kRuleLine.size() == 76);

@@ -2,8 +2,6 @@
 
 #include <cstdio>
 
-#include "shell/locale_report.h"
-
 ProgMode getProgMode(std::span<const std::string> arguments) {
   ProgMode mode = ProgMode::unset;
   const auto set = [&mode](ProgMode named) {

@@ -1,19 +1,15 @@
-#include "shell/script_options.h"
+#include "script/script_mode.h"
 
 #include <cstdio>
 
+#include "io/text.h"
 #include "shell/options.h"
+#include "shell/prog_mode.h"
+#include "shell/version.h"
 
-namespace progmode_svf2tapbus {
+namespace tapforge::progmode_svf2tapbus {
 namespace {
 
-using tapforge::concat;
-using tapforge::fileNameArgument;
-using tapforge::OptionCall;
-using tapforge::overwriteOption;
-using tapforge::RunFiles;
-using tapforge::setFlag;
-using tapforge::setNumber;
 using Option = tapforge::Option<ScriptVars>;
 
 bool takeInput(const OptionCall& call, ScriptVars& /*vars*/) {
@@ -33,9 +29,10 @@ bool takeOutput(const OptionCall& call, ScriptVars& /*vars*/) {
 constexpr Option kOptions[] = {
     {"i", takeInput, ""},
     {"o", takeOutput, ""},
-    tapforge::kLogOption<ScriptVars>,
-    tapforge::kKeyOption<ScriptVars>,
+    kLogOption<ScriptVars>,
+    kKeyOption<ScriptVars>,
     overwriteOption<ScriptVars>("d", ""),
+    {"exact", setFlag<&ScriptVars::exact>, ""},
     {"c", setFlag<&ScriptVars::iSvfSyntaxCheck>,
      "\t-c = do SVF syntax check (no header/trailer integration)\n"},
     {"tapbus", setFlag<&ScriptVars::iGlobOutFormat>,
@@ -48,27 +45,54 @@ constexpr Option kOptions[] = {
     {"s", setFlag<&ScriptVars::iSkipTdoTest>, "\t-s = skip TDO test\n"},
     {"linenum", setNumber<&ScriptVars::lGlobPrintLine>,
      "\t-linenum N = print line number after every N lines (use with -tapbus only)\n"},
-    tapforge::kFrequencyOption<ScriptVars>,
+    kFrequencyOption<ScriptVars>,
     {"wait", setNumber<&ScriptVars::iInsertWait>,
      "\t-wait N = insert a \"RUNTEST N TCK;\" statement after SIR/SDR\n"},
     overwriteOption<ScriptVars>("w",
                                 "\t-w = overwrite output file w/out prompting if file exists\n"),
 };
 
-}  // namespace
-
+// Reads the command line into `vars` and opens its files. Returns only when it is
+// complete; else the help ends the run with status 0, a bad option or file with 1.
 void getCmdOptions(std::span<const std::string> arguments, ScriptVars& vars, RunFiles& files) {
   constexpr std::span<const Option> kTable = kOptions;
-  tapforge::ArgCursor args(arguments);
-  if (const auto unknown = tapforge::walkOptions(args, kTable, vars, files)) {
-    tapforge::exitUsage(concat(files.report.style().toolName,
-                               ": unknown or incorrectly specified option [", *unknown, "]\n"));
+  ArgCursor args(arguments);
+  if (const auto unknown = walkOptions(args, kTable, vars, files)) {
+    exitUsage(concat(files.report.style().toolName, ": unknown or incorrectly specified option [",
+                     *unknown, "]\n"));
   }
-  if (!files.pFC_Input.empty() && files.pFC_Output != nullptr) return;
+  if (!files.pFC_Input.empty() && files.pFC_Output != nullptr) {
+    if (vars.exact && vars.iGlobOutFormat) {
+      beginExact(args, {"wait"}, files);
+      vars.iSvfSyntaxCheck = true;
+    } else if (vars.exact) {
+      beginExact(args, {"c", "wait", "linenum"}, files);
+    }
+    return;
+  }
   std::puts("Usage: tapforge -tapbus [options] -i <input file> -o <output file>");
-  tapforge::displayProgOptions("--> options for SVF-to-tapbus tcl conversion:", kTable,
-                               tapforge::InternalOptions::hidden);
-  throw tapforge::ProgramEnd{0};
+  displayProgOptions("--> options for SVF-to-tapbus tcl conversion:", kTable,
+                     InternalOptions::hidden);
+  throw ProgramEnd{0};
 }
 
-}  // namespace progmode_svf2tapbus
+void displayVersion(Reporter& report) {
+  report.statusMsg(concat(kScriptVersion, " ", kCopyright), StatusStyle::line);
+}
+
+}  // namespace
+
+int main_svf2tapbus(std::span<const std::string> arguments) {
+  Reporter report(kMessageStyle);
+  RunFiles files(report, EmptyAnswer::asksAgain);
+  return runProgram(files, [&] {
+    ScriptVars vars;
+    getCmdOptions(arguments, vars, files);
+    files.beginOutputs();
+    displayVersion(report);
+    report.startClock();
+    return processSVF(vars, files.pFC_Input.front(), *files.pFC_Output, report);
+  });
+}
+
+}  // namespace tapforge::progmode_svf2tapbus

@@ -11,9 +11,4 @@ inline constexpr std::string_view kScriptVersion = "svf2tapbus Version 1.10";
 inline constexpr std::string_view kKsvfVersion = "svf2ksvf Version 5.05";
 inline constexpr std::string_view kCopyright = "Copyright (c) 2026 Ondrel. All rights reserved.";
 
-/// When the program was built, in the compiler's form ("Nov 26 2018",
-/// "03:03:39"). SOURCE_DATE_EPOCH overrides it, for reproducible builds.
-extern const char* const kBuildDate;
-extern const char* const kBuildTime;
-
 #endif  // TAPFORGE_SHELL_VERSION_H

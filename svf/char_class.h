@@ -8,8 +8,9 @@
 namespace tapforge {
 
 /// What a character of SVF text is, in the C locale. Each character is in
-/// exactly one class; bytes of 128 and above are `other`.
-enum class CharClass : std::uint8_t { other, space, digit, wordStart, punctuation };
+/// exactly one class; bytes of 128 and above are `other`. What words are made of
+/// comes last, so that one comparison tells it.
+enum class CharClass : std::uint8_t { other, space, punctuation, digit, wordStart };
 
 namespace char_class {
 
@@ -31,9 +32,7 @@ inline constexpr std::array<CharClass, 256> kTable = makeTable();
 inline CharClass classOf(unsigned char c) { return char_class::kTable[c]; }
 inline bool isSpace(unsigned char c) { return classOf(c) == CharClass::space; }
 inline bool isDigit(unsigned char c) { return classOf(c) == CharClass::digit; }
-inline bool isWordChar(unsigned char c) {
-  return classOf(c) == CharClass::digit || classOf(c) == CharClass::wordStart;
-}
+inline bool isWordChar(unsigned char c) { return classOf(c) >= CharClass::digit; }
 
 }  // namespace tapforge
 

@@ -15,15 +15,18 @@ TrstMode modeNamed(const FileChannel& channel) {
 
 }  // namespace
 
-float readFrequency(FileChannel& channel) {
-  float frequency = -1.0F;
+Frequency readFrequency(FileChannel& channel) {
+  Frequency frequency{-1.0F, {}, {}};
   if (const Number number = getFloat(channel)) {
-    frequency = number.asFloat();
-    if (!(frequency > 0)) {
-      channel.report().warning("Only positive real numbers allowed; TCK set to system default");
-      frequency = -1.0F;
+    frequency = {number.asFloat(), channel.numberText(), {}};
+    if (!(frequency.hertz > 0)) {
+      Reporter& report = channel.report();
+      if (channel.rules().exact) report.fatal("-exact: a FREQUENCY that is not above 0");
+      report.warning("Only positive real numbers allowed; TCK set to system default");
+      frequency.hertz = -1.0F;
     }
     channel.strSearch("hz");
+    frequency.unit = channel.tokenAsWritten();
   } else {
     if (!channel.is(";")) channel.report().fatal("Incorrect FREQUENCY format");
     channel.unlex();
@@ -37,6 +40,7 @@ Trst readTrst(TrstMode inForce, bool scanSeen, FileChannel& channel) {
   channel.lex();
   Trst trst{modeNamed(channel), std::string(channel.tokenAsWritten())};
   if (trst.mode == TrstMode::none) {
+    if (channel.rules().exact) report.fatal("Unknown TRST type");
     report.warning("Unknown TRST type");
     trst.mode = inForce;
   } else if (trst.mode == TrstMode::absent) {

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "io/block_size.h"
+#include "io/files.h"
 
 namespace tapforge {
 namespace {
@@ -65,7 +65,9 @@ bool FileChannel::fill() {
   const std::size_t got = std::fread(text_, 1, blockSize_, pFile_.get());
   end_ = text_ + got;
   std::memset(text_ + got, 0, kPadding);
-  if (std::ferror(pFile_.get()) != 0) report_.chkFileErr(sFileName_);
+  if (std::ferror(pFile_.get()) != 0) {
+    report_.fatal(fileErrorText(sFileName_), Where::nowhere);
+  }
   fileEnded_ = got < blockSize_;
   return got > 0;
 }

@@ -17,7 +17,7 @@
 
 namespace tapforge {
 
-/// `cutSlash` is the punctuation "/" as the last character of a part of a line. The
+/// `cutSlash` is the punctuation "/" as the last character of a segment of a line. The
 /// types up to it, and only these, are read with the character after the token.
 enum class TokenType : std::uint8_t { word, number, cutSlash, punctuation, other };
 
@@ -84,9 +84,8 @@ class FileChannel final : public InputPosition {
 
   /// Compares the current token in lower case.
   bool is(const Word& word) const {
-    if (word.text.size() > sizeof key_) return isLong(word.text);
     // No character of a word is 0, so a key of fewer than eight tells their number too.
-    return key_ == word.key && (word.text.size() < sizeof key_ || tokenSize_ == sizeof key_);
+    return key_ == word.key && (word.text.size() < sizeof key_ || isLong(word.text));
   }
 
   TokenType type() const { return iTokenType_; }
@@ -99,6 +98,11 @@ class FileChannel final : public InputPosition {
     return {reinterpret_cast<const char*>(sToken_), tokenSize_};
   }
   std::string tokenLower() const;
+  /// Where the token that has just been read begins and ends, in bytes of the file.
+  std::int64_t tokenBegin() const { return offsetOf(sToken_); }
+  std::int64_t tokenEnd() const { return tokenBegin() + static_cast<std::int64_t>(tokenSize_); }
+  /// The storage of the number read last under -exact.
+  std::string& numberText() { return sNumberText_; }
 
   /// The next token must be this word, else fatal "Expecting [word]" (mode 1:
   /// "Token [word] not found").
@@ -138,6 +142,10 @@ class FileChannel final : public InputPosition {
 
   /// The number of the line that was read last; the first one is 1.
   std::int64_t lineNumber();
+  /// The current token begins a statement: under -exact messages tell its line.
+  void beginStatement() {
+    if (rules_.exact) noteStatement();
+  }
   std::string positionText() override;
 
   /// What follows a statement on its source line.
@@ -189,6 +197,7 @@ class FileChannel final : public InputPosition {
   void skipComment(const unsigned char* start);
 
   // source_place.cc
+  void noteStatement();
   // Whether the character after the token has been read with it; see TokenType.
   bool lookedAhead() const { return iTokenType_ <= TokenType::cutSlash; }
   // A byte of the block by its offset in the file, and back.
@@ -198,9 +207,9 @@ class FileChannel final : public InputPosition {
   std::int64_t readTo() const;
   void countLinesTo(std::int64_t offset);
   bool endsLine(unsigned char c) const;
-  bool endsPart(const unsigned char* p);
+  bool endsSegment(const unsigned char* p);
   std::string_view getSrcLine(std::int64_t begin);
-  bool inEmptyPart(std::int64_t to) const;
+  bool inEmptySegment(std::int64_t to) const;
   SourcePlace place();
   LineRest longLineRest();
   void storeSrc();
@@ -250,12 +259,14 @@ class FileChannel final : public InputPosition {
   bool iUnlex_ = false;
   const unsigned char* iTokenCol_ = nullptr;  // a column that is not the token's own
   std::string tokenAside_;                    // the token's text, once its block is gone
+  std::string sNumberText_;
 
   // Lines, counted up to a place when somebody asks.
   std::int64_t countedTo_ = 0;  // offset in the file
-  std::int64_t lineEnds_ = 0;   // before it
+  std::int64_t lineEnds_ = 0;   // before it, without the LF of CR LF under -exact
   std::int64_t lineStart_ = 0;  // offset after the last line end, and after the one before
   std::int64_t lineStartBefore_ = 0;
+  std::int64_t statementLine_ = 0;
 
   // Source echo.
   bool echoOn_ = false;

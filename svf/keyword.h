@@ -9,29 +9,29 @@
 
 namespace tapforge {
 
-/// The statements of SVF.
+/// The statements of SVF, the frequent ones first: keywordOf() looks in this order.
 enum class Keyword : std::uint8_t {
   unknown,
+  sdr,
+  sir,
+  runtest,
+  state,
   hir,
   hdr,
   tir,
   tdr,
-  sir,
-  sdr,
   endir,
   enddr,
   frequency,
   pio,
   piomap,
-  runtest,
-  state,
   trst
 };
 
 /// The statement that the current token begins.
 Keyword keywordOf(const FileChannel& channel);
 
-/// The lower-case word.
+/// The word in lower case.
 std::string_view nameOf(Keyword keyword);
 
 /// Whether the statement shifts data: SIR or SDR.
@@ -46,10 +46,54 @@ constexpr ScanRegister registerOf(Keyword keyword) {
   return isData ? ScanRegister::data : ScanRegister::instruction;
 }
 
-/// The current token begins no statement: warns and reads on past the next ";".
+/// The current token begins no statement: warns and reads on past the next ";"; under
+/// -exact it is fatal.
 /// White space, which is a token after a lost "/", is ignored silently. False
 /// when something was skipped.
 bool skipUnknown(FileChannel& channel);
+
+/// Calls the function of `mode` for the statement that the current token begins; it
+/// reads the rest. False when the keyword is unknown, and its statement left out.
+template <typename Mode>
+bool doStatement(FileChannel& channel, Mode& mode) {
+  channel.beginStatement();
+  const Keyword keyword = keywordOf(channel);
+  switch (keyword) {
+    case Keyword::hir:
+    case Keyword::hdr:
+    case Keyword::tir:
+    case Keyword::tdr:
+    case Keyword::sir:
+    case Keyword::sdr:
+      mode.doScan(keyword);
+      break;
+    case Keyword::runtest:
+      mode.doRunTest();
+      break;
+    case Keyword::state:
+      mode.doState();
+      break;
+    case Keyword::endir:
+    case Keyword::enddr:
+      mode.doEndState(registerOf(keyword));
+      break;
+    case Keyword::frequency:
+      mode.doFrequency();
+      break;
+    case Keyword::trst:
+      mode.doTrst();
+      break;
+    case Keyword::piomap:
+      mode.doPioMap();
+      break;
+    case Keyword::pio:
+      mode.doPio();
+      break;
+    case Keyword::unknown:
+      return skipUnknown(channel);
+  }
+  return true;
+}
 
 }  // namespace tapforge
 

@@ -74,10 +74,54 @@ Number readReal(std::string text, bool negative, FileChannel& channel) {
   return number;
 }
 
+// Whether a text is digits[.digits][e[+|-]digits].
+bool isExactNumber(std::string_view text) {
+  const auto takeDigits = [&text] {
+    const std::size_t count = leadingDigits(text);
+    text.remove_prefix(count);
+    return count > 0;
+  };
+  const auto take = [&text](char c) {
+    const bool found = !text.empty() && toLower(text[0]) == c;
+    if (found) text.remove_prefix(1);
+    return found;
+  };
+  if (!takeDigits() || (take('.') && !takeDigits())) return false;
+  if (take('e')) {
+    if (!take('+')) take('-');
+    if (!takeDigits()) return false;
+  }
+  return text.empty();
+}
+
+// The tokens that touch each other are one number. A token that cannot begin one, as a
+// word or ";", stays the current one.
+Number getExact(FileChannel& channel) {
+  const bool begins = channel.type() == TokenType::number ||
+                      isDigit(static_cast<unsigned char>(channel.tokenAsWritten()[0]));
+  if (!begins && channel.type() == TokenType::word) return {};
+  std::string& text = channel.numberText();
+  text.clear();
+  std::int64_t end = 0;
+  do {
+    text += channel.tokenAsWritten();
+    end = channel.tokenEnd();
+    channel.lex();
+  } while (channel.tokenBegin() == end && (channel.type() <= TokenType::number || channel.is(".") ||
+                                           channel.is("+") || channel.is("-")));
+  channel.unlex();
+  if (!isExactNumber(text)) {
+    channel.report().fatal(
+        concat("-exact: [", text, "] is no digits[.digits][E[+|-]digits] in one piece"));
+  }
+  return real(text);
+}
+
 }  // namespace
 
 Number getFloat(FileChannel& channel) {
   if (channel.lexIs(";")) return {};
+  if (channel.rules().exact) return getExact(channel);
   const bool negative = channel.is("-");
   if (negative || channel.is("+")) channel.lex();
   if (channel.type() != TokenType::number) return readReal({}, negative, channel);
@@ -106,6 +150,46 @@ std::int64_t lGetLong(Sign sign, FileChannel& channel) {
   }
   if (channel.type() != TokenType::number) channel.report().fatal("Number expected");
   return negative ? -channel.number() : channel.number();
+}
+
+std::optional<WholeAndFraction> exactProduct(std::string_view number, std::int64_t factor) {
+  // The digits, and how many of them stand before the point.
+  std::string digits(number.substr(0, leadingDigits(number)));
+  auto point = std::ssize(digits);
+  number.remove_prefix(digits.size());
+  if (number.starts_with('.')) {
+    const std::size_t count = leadingDigits(number.substr(1));
+    digits += number.substr(1, count);
+    number.remove_prefix(1 + count);
+  }
+  if (!number.empty()) {
+    // A larger exponent than this makes nothing of any number.
+    constexpr long kMostExponent = 1000;
+    const std::string exponent(number.substr(1));
+    point += std::clamp(std::strtol(exponent.c_str(), nullptr, 10), -kMostExponent, kMostExponent);
+  }
+
+  std::uint64_t carry = 0;
+  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
+    carry += static_cast<std::uint64_t>(*digit - '0') * static_cast<std::uint64_t>(factor);
+    *digit = static_cast<char>('0' + carry % 10);
+    carry /= 10;
+  }
+  const std::string above = carry > 0 ? std::to_string(carry) : "";
+  digits.insert(0, above);
+  point += std::ssize(above);
+
+  WholeAndFraction product{0, false};
+  for (std::ptrdiff_t i = 0; i < std::max(point, std::ssize(digits)); ++i) {
+    const int digit = i < std::ssize(digits) ? digits[static_cast<std::size_t>(i)] - '0' : 0;
+    if (i >= point) {
+      product.hasFraction = product.hasFraction || digit != 0;
+    } else if (__builtin_mul_overflow(product.whole, 10, &product.whole) ||
+               __builtin_add_overflow(product.whole, digit, &product.whole)) {
+      return std::nullopt;
+    }
+  }
+  return product;
 }
 
 std::int64_t truncated(float value) {

@@ -2,6 +2,7 @@
 #define TAPFORGE_SVF_NUMBERS_H
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "svf/file_channel.h"
@@ -25,7 +26,9 @@ struct Number {
 ///
 /// Two rules differ from the usual syntax: a real number must be followed by a
 /// word or a sign («1.5;» is fatal), and an exponent in a token of its own
-/// counts only after a mantissa that ends in "e".
+/// counts only after a mantissa that ends in "e". Under -exact a number is
+/// digits[.digits][e[+|-]digits] in one piece, which channel.numberText() then is, and
+/// all else that may stand for one is fatal.
 Number getFloat(FileChannel& channel);
 
 /// True for digits, or digits followed by "e" and zero or more digits.
@@ -36,6 +39,14 @@ enum class Sign { any, nonNegative };
 /// Reads an integer, with "-" in front if `sign` allows; else fatal "Number
 /// expected" or "Expected positive number".
 std::int64_t lGetLong(Sign sign, FileChannel& channel);
+
+/// The exact product of a number, written as under -exact, and a factor from 1 up:
+/// its whole part, and whether a fraction is left. Nothing from 2^63 on.
+struct WholeAndFraction {
+  std::int64_t whole;
+  bool hasFraction;
+};
+std::optional<WholeAndFraction> exactProduct(std::string_view number, std::int64_t factor);
 
 /// Cut to a whole number; saturates, and not-a-number is 0.
 std::int64_t truncated(float value);

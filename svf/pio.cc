@@ -29,15 +29,18 @@ void checkPin(char value, PinDirection direction, Reporter& report) {
 
 }  // namespace
 
-PioMap readPioMap(FileChannel& channel) {
+PioMap readPioMap(FileChannel& channel, std::string& asWritten) {
   Reporter& report = channel.report();
   PioMap map;
   std::unordered_set<std::string> names;
   channel.strSearch("(");
   while (!channel.lexIs(")")) {
     map.push_back(readDirection(channel));
+    if (!asWritten.empty()) asWritten += ' ';
+    asWritten.append(channel.tokenAsWritten()).append(" ");
     channel.lex();
     if (channel.type() != TokenType::word) report.fatal(kMapFormat);
+    asWritten += channel.tokenAsWritten();
     std::string name = channel.tokenLower();
     const std::string message = concat("[", name, "] already defined");
     if (!names.insert(std::move(name)).second) {
@@ -49,8 +52,9 @@ PioMap readPioMap(FileChannel& channel) {
   return map;
 }
 
-void readPio(const PioMap& map, FileChannel& channel) {
+void readPio(const PioMap& map, FileChannel& channel, std::string& asWritten) {
   Reporter& report = channel.report();
+  if (map.empty() && channel.rules().exact) report.fatal("No PIOMAP defined");
   if (map.empty()) {
     report.warning("No PIOMAP defined; skipping data");
     channel.skipUntil(";");
@@ -59,7 +63,9 @@ void readPio(const PioMap& map, FileChannel& channel) {
   channel.strSearch("(");
   std::size_t pin = 0;
   for (int c = channel.getFChanChar(); c != ')'; c = channel.getFChanChar()) {
-    if (isSpace(static_cast<unsigned char>(c))) continue;
+    const bool blank = isSpace(static_cast<unsigned char>(c));
+    asWritten += blank ? ' ' : static_cast<char>(c);
+    if (blank) continue;
     const char value = toUpper(static_cast<char>(c));
     if (std::string_view("HLZUDX").find(value) == std::string_view::npos) {
       report.fatal("Unexpected PIO char");

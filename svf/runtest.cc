@@ -6,80 +6,55 @@ namespace tapforge {
 
 using Kind = RunTestPart::Kind;
 
-std::optional<RunTestPart> RunTestReader::next() {
-  if (step_ == Step::runState) {
-    step_ = Step::number;
-    if (const auto part = runState()) return part;
-  }
-  if (step_ == Step::number) return firstNumber();
-  if (step_ == Step::afterCount) {
-    step_ = Step::endState;
-    if (const Number time = getFloat(channel_)) return minTime(time);
-    channel_.unlex();
-  }
-  if (step_ == Step::afterMinTime) {
-    step_ = Step::endState;
-    if (const auto part = maxTime()) return part;
-  }
-  if (step_ == Step::endState) return endState();
-  if (step_ == Step::semicolon) channel_.strSearch(";");
-  return std::nullopt;
-}
+void readRunTest(FileChannel& channel, const std::function<void(const RunTestPart&)>& take) {
+  Reporter& report = channel.report();
+  const auto takeState = [&](Kind kind, std::string_view message) {
+    const TapState state = checkTapState(StateUse::stable, message, channel);
+    take({kind, state, {}, channel.tokenAsWritten()});
+  };
+  const auto takeTime = [&](Kind kind, const Number& seconds) {
+    channel.strSearch("sec");
+    take({kind, TapState::unknown, seconds, channel.tokenAsWritten()});
+  };
 
-std::optional<RunTestPart> RunTestReader::runState() {
-  channel_.lex();
-  if (channel_.type() != TokenType::word || testIsNum(channel_.tokenAsWritten())) {
-    channel_.unlex();
-    return std::nullopt;
+  channel.lex();
+  if (channel.type() == TokenType::word && !testIsNum(channel.tokenAsWritten())) {
+    takeState(Kind::runState, "invalid run state");
+  } else {
+    channel.unlex();
   }
-  const TapState state = checkTapState(StateUse::stable, "invalid run state", channel_);
-  return RunTestPart{Kind::runState, state, {}, channel_.tokenAsWritten()};
-}
 
-RunTestPart RunTestReader::firstNumber() {
-  const Number number = getFloat(channel_);
-  if (!number) channel_.report().fatal("Unsupported RUNTEST time/count format");
-  step_ = Step::afterCount;
-  channel_.lex();
-  const bool timesBecomeCounts = channel_.rules().timesBecomeCounts;
-  if (channel_.is("tck") || (channel_.is("sck") && !timesBecomeCounts)) {
-    return {Kind::count, TapState::unknown, number, channel_.tokenAsWritten()};
+  Number number = getFloat(channel);
+  if (!number) report.fatal("Unsupported RUNTEST time/count format");
+  channel.lex();
+  const bool timesBecomeCounts = channel.rules().timesBecomeCounts;
+  const bool isCount = channel.is("tck") || (channel.is("sck") && !timesBecomeCounts);
+  if (isCount || timesBecomeCounts) {
+    const Kind kind = isCount ? Kind::count : Kind::time;
+    take({kind, TapState::unknown, number, channel.tokenAsWritten()});
+    number = getFloat(channel);
+    if (!number) channel.unlex();
+  } else {
+    channel.unlex();
   }
-  if (timesBecomeCounts) return {Kind::time, TapState::unknown, number, channel_.tokenAsWritten()};
-  channel_.unlex();
-  return minTime(number);
-}
 
-RunTestPart RunTestReader::minTime(const Number& seconds) {
-  channel_.strSearch("sec");
-  step_ = Step::afterMinTime;
-  return {Kind::minTime, TapState::unknown, seconds, channel_.tokenAsWritten()};
-}
-
-std::optional<RunTestPart> RunTestReader::maxTime() {
-  if (channel_.lexIs(";")) {
-    step_ = Step::done;
-    return std::nullopt;
+  if (number) {
+    takeTime(Kind::minTime, number);
+    if (channel.lexIs("maximum")) {
+      const Number maximum = getFloat(channel);
+      if (!maximum) report.fatal("Invalid RUNTEST max spec");
+      takeTime(Kind::maxTime, maximum);
+    } else {
+      channel.unlex();
+    }
   }
-  if (!channel_.is("maximum")) {
-    channel_.unlex();
-    return std::nullopt;
-  }
-  const Number maximum = getFloat(channel_);
-  if (!maximum) channel_.report().fatal("Invalid RUNTEST max spec");
-  channel_.strSearch("sec");
-  return RunTestPart{Kind::maxTime, TapState::unknown, maximum, channel_.tokenAsWritten()};
-}
 
-std::optional<RunTestPart> RunTestReader::endState() {
-  if (channel_.lexIs(";")) return std::nullopt;
-  if (!channel_.is("endstate")) channel_.report().fatal("Invalid RUNTEST format");
-  channel_.lex();
-  if (channel_.type() != TokenType::word) channel_.report().fatal("Invalid ENDSTATE");
-  const TapState state = checkTapState(StateUse::stable, "invalid end state", channel_);
-  // The ";" is read by the next call, which has nothing else to give.
-  step_ = Step::semicolon;
-  return RunTestPart{Kind::endState, state, {}, channel_.tokenAsWritten()};
+  if (channel.lexIs(";")) return;
+  if (!channel.is("endstate")) report.fatal("Invalid RUNTEST format");
+  channel.lex();
+  if (channel.type() != TokenType::word) report.fatal("Invalid ENDSTATE");
+  takeState(Kind::endState, "invalid end state");
+  channel.strSearch(";");
 }
 
 void RunTestNumbers::add(const RunTestPart& part) {

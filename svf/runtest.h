@@ -2,7 +2,7 @@
 #define TAPFORGE_SVF_RUNTEST_H
 
 #include <cstdint>
-#include <optional>
+#include <functional>
 
 #include "svf/numbers.h"
 #include "svf/state_statements.h"
@@ -26,36 +26,10 @@ struct RunTestPart {
   std::string_view asWritten{};
 };
 
-/// Reads the rest of a RUNTEST statement a part at a time. The output of a part
-/// and messages about it come before the next part is read, because output and
-/// messages of a statement keep the order of its text.
-class RunTestReader {
- public:
-  explicit RunTestReader(FileChannel& channel) : channel_(channel) {}
-
-  /// The next part; nothing after the ";", and then it must not be called again.
-  std::optional<RunTestPart> next();
-
- private:
-  enum class Step : std::uint8_t {
-    runState,
-    number,
-    afterCount,
-    afterMinTime,
-    endState,
-    semicolon,
-    done
-  };
-
-  std::optional<RunTestPart> runState();
-  RunTestPart firstNumber();
-  RunTestPart minTime(const Number& seconds);
-  std::optional<RunTestPart> maxTime();
-  std::optional<RunTestPart> endState();
-
-  FileChannel& channel_;
-  Step step_ = Step::runState;
-};
+/// Reads the rest of a RUNTEST statement. Each part is given to `take` before the
+/// next one is read, because output and messages of a statement keep the order of
+/// its text.
+void readRunTest(FileChannel& channel, const std::function<void(const RunTestPart&)>& take);
 
 /// The numbers of one RUNTEST; -1 for what it does not give. 32-bit floats by
 /// design.

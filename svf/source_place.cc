@@ -5,6 +5,33 @@
 #include "svf/file_channel.h"
 
 namespace tapforge {
+namespace {
+
+// The line ends in [begin, end). Blocks of which a byte can hold the count let the
+// compiler compare many characters at a time, on every machine.
+std::int64_t countLineEnds(const unsigned char* begin, const unsigned char* end, LineEnds which) {
+  constexpr std::ptrdiff_t kAtOnce = 240;
+  const unsigned char other = which == LineEnds::lineFeed ? '\n' : '\r';
+  std::int64_t total = 0;
+  while (begin != end) {
+    const unsigned char* const stop = begin + std::min(kAtOnce, end - begin);
+    unsigned char found = 0;
+    for (; begin != stop; ++begin) {
+      found = static_cast<unsigned char>(found + (*begin == '\n' || *begin == other ? 1 : 0));
+    }
+    total += found;
+  }
+  return total;
+}
+
+// The LFs in [begin, end) that a CR stands in front of, which may lie before `begin`.
+std::int64_t countPairs(const unsigned char* begin, const unsigned char* end) {
+  std::int64_t count = 0;
+  for (const unsigned char* p = begin; p != end; ++p) count += *p == '\n' && p[-1] == '\r' ? 1 : 0;
+  return count;
+}
+
+}  // namespace
 
 bool FileChannel::inBlock(const unsigned char* p) const {
   // A token whose block is gone lies in another array.
@@ -34,6 +61,7 @@ void FileChannel::countLinesTo(std::int64_t offset) {
   if (offset <= countedTo_) return;
   const unsigned char* p = at(offset);
   const std::int64_t found = countLineEnds(at(countedTo_), p, rules_.lineEnds);
+  if (rules_.exact) lineEnds_ -= countPairs(at(countedTo_), p);
   countedTo_ = offset;
   if (found == 0) return;
   lineEnds_ += found;
@@ -46,11 +74,11 @@ void FileChannel::countLinesTo(std::int64_t offset) {
   lineStart_ = last;
 }
 
-// A cut line is read in parts of kMaxLine characters, the last of which is empty
-// when the length is a multiple of that. Its line end is read twice, as the end
-// of the empty part and as that of the line, so after the first time the empty
-// part is still the place.
-bool FileChannel::inEmptyPart(std::int64_t to) const {
+// A cut line is read in segments of kMaxLine characters, the last of which is empty
+// when the length is a multiple of that. Its line end is read twice, as the end of
+// the empty segment and as that of the line, so after the first time the empty
+// segment is still the place.
+bool FileChannel::inEmptySegment(std::int64_t to) const {
   const std::int64_t length = lineStart_ - 1 - lineStartBefore_;
   return rules_.linesAreCut && to == lineStart_ && lineEnds_ > 0 && lookedAhead() &&
          inBlock(sToken_) && to == offsetOf(sToken_ + tokenSize_) + 1 && length > 0 &&
@@ -60,17 +88,22 @@ bool FileChannel::inEmptyPart(std::int64_t to) const {
 std::int64_t FileChannel::lineNumber() {
   const std::int64_t to = readTo();
   countLinesTo(to);
-  return inEmptyPart(to) ? lineEnds_ : lineEnds_ + 1;
+  return inEmptySegment(to) ? lineEnds_ : lineEnds_ + 1;
+}
+
+void FileChannel::noteStatement() {
+  countLinesTo(tokenBegin());
+  statementLine_ = lineEnds_ + 1;
 }
 
 // Whether the line is cut before this character; it must lie in the line of the
 // character before it.
-bool FileChannel::endsPart(const unsigned char* p) {
+bool FileChannel::endsSegment(const unsigned char* p) {
   countLinesTo(offsetOf(p - 1));
   return (offsetOf(p) - lineStart_) % kMaxLine == 0;
 }
 
-// The part of a line from `begin` (an offset) on, up to its end.
+// The segment of a line from `begin` (an offset) on, up to its end.
 std::string_view FileChannel::getSrcLine(std::int64_t begin) {
   std::int64_t length = 0;
   for (; length < kMaxLine; ++length) {
@@ -82,9 +115,9 @@ std::string_view FileChannel::getSrcLine(std::int64_t begin) {
 
 SourcePlace FileChannel::place() {
   const std::int64_t to = readTo();
-  SourcePlace place{sFileName_, lineNumber(), {}, {}, 0};
-  if (rules_.linesAreCut && !inEmptyPart(to)) {
-    // The part that the last character read belongs to.
+  SourcePlace place{sFileName_, lineNumber(), {}, {}, 0, statementLine_};
+  if (rules_.linesAreCut && !inEmptySegment(to)) {
+    // The segment that the last character read belongs to.
     const std::int64_t read = to - lineStart_;
     const std::int64_t begin = std::min(
         lineStart_ + std::max<std::int64_t>(read - 1, 0) / kMaxLine * kMaxLine, offsetOf(end_));
@@ -104,7 +137,7 @@ std::string FileChannel::positionText() { return rules_.positionText(place()); }
 
 FileChannel::LineRest FileChannel::longLineRest() {
   std::ptrdiff_t blanks = 0;
-  // More blanks than a part of a line can hold end the part.
+  // More blanks than a segment of a line can hold end the segment.
   for (; blanks <= kMaxLine; ++blanks) {
     if (cur_ + blanks == end_ && !fill()) return {true, 0};
     const unsigned char c = cur_[blanks];
@@ -113,8 +146,8 @@ FileChannel::LineRest FileChannel::longLineRest() {
   }
   countLinesTo(offsetOf(cur_));
   const std::int64_t read = offsetOf(cur_) - lineStart_;
-  const std::int64_t partEnd = (read + kMaxLine - 1) / kMaxLine * kMaxLine;
-  if (read + blanks >= partEnd) return {true, 0};
+  const std::int64_t segmentEnd = (read + kMaxLine - 1) / kMaxLine * kMaxLine;
+  if (read + blanks >= segmentEnd) return {true, 0};
   return {false, static_cast<std::size_t>(blanks)};
 }
 

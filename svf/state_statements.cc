@@ -20,31 +20,28 @@ TapState readEndState(FileChannel& channel) {
   return state;
 }
 
-std::optional<PathStep> StatePathReader::next() {
-  if (channel_.lexIs(";")) {
-    checkFinalState();
-    return std::nullopt;
+TapState readStatePath(TapState start, FileChannel& channel,
+                       const std::function<void(const PathStep&)>& take) {
+  Reporter& report = channel.report();
+  TapState from = start;
+  for (bool first = true; !channel.lexIs(";"); first = false) {
+    const TapState state = checkTapState(StateUse::path, "invalid path/stable state", channel);
+    const bool oneClock = from == TapState::unknown || checkTapPath(from, state);
+    if (!oneClock && first) checkTapState(StateUse::stable, "invalid stable state", channel);
+    if (!oneClock && !first) {
+      report.fatal(channel.rules().pathErrorNamesState
+                       ? concat("Invalid pathstate from state ", getTapStateName(from))
+                       : "Invalid pathstate");
+    }
+    take({from, state, oneClock, channel.tokenAsWritten()});
+    from = state;
   }
-  const TapState state = checkTapState(StateUse::path, "invalid path/stable state", channel_);
-  const bool oneClock = previous_ == TapState::unknown || checkTapPath(previous_, state);
-  if (!oneClock && first_) checkTapState(StateUse::stable, "invalid stable state", channel_);
-  if (!oneClock && !first_) {
-    const std::string_view name = getTapStateName(previous_);
-    channel_.report().fatal(channel_.rules().pathErrorNamesState
-                                ? concat("Invalid pathstate from state ", name)
-                                : "Invalid pathstate");
+  if (from == TapState::unknown) report.warning("GTSN: TAPstate ?", Where::nowhere);
+  if (!isStable(from)) {
+    report.fatal(
+        concat("[", getTapStateName(from), "]: stable state must be RESET/IDLE/DRPAUSE/IRPAUSE"));
   }
-  previous_ = state;
-  first_ = false;
-  return PathStep{state, oneClock, channel_.tokenAsWritten()};
-}
-
-void StatePathReader::checkFinalState() {
-  Reporter& report = channel_.report();
-  if (previous_ == TapState::unknown) report.warning("GTSN: TAPstate ?", Where::nowhere);
-  if (isStable(previous_)) return;
-  report.fatal(concat("[", getTapStateName(previous_),
-                      "]: stable state must be RESET/IDLE/DRPAUSE/IRPAUSE"));
+  return from;
 }
 
 }  // namespace tapforge

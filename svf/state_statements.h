@@ -1,7 +1,7 @@
 #ifndef TAPFORGE_SVF_STATE_STATEMENTS_H
 #define TAPFORGE_SVF_STATE_STATEMENTS_H
 
-#include <optional>
+#include <functional>
 #include <string_view>
 
 #include "svf/file_channel.h"
@@ -21,30 +21,17 @@ TapState readEndState(FileChannel& channel);
 
 /// One state of a STATE path.
 struct PathStep {
+  TapState from;
   TapState state;
   bool oneClock;               // else a stable state that is reached by its usual way
   std::string_view asWritten;  // good until the next step is read
 };
 
-/// Reads the rest of a STATE statement, a state at a time, so that each can be
-/// written before the next one is read.
-class StatePathReader {
- public:
-  /// `start` is the state before the statement. From `unknown` every state is one
-  /// clock away.
-  StatePathReader(TapState start, FileChannel& channel) : previous_(start), channel_(channel) {}
-
-  /// The next state; nothing after the ";", where the path must have ended in a
-  /// stable state.
-  std::optional<PathStep> next();
-
- private:
-  void checkFinalState();
-
-  TapState previous_;
-  bool first_ = true;
-  FileChannel& channel_;
-};
+/// Reads the rest of a STATE statement, from the state before it; from `unknown`
+/// every state is one clock away. Each step is given to `take` before the next one
+/// is read. Returns the last state, which must be stable.
+TapState readStatePath(TapState start, FileChannel& channel,
+                       const std::function<void(const PathStep&)>& take);
 
 }  // namespace tapforge
 

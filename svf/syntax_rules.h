@@ -1,21 +1,26 @@
 #ifndef TAPFORGE_SVF_SYNTAX_RULES_H
 #define TAPFORGE_SVF_SYNTAX_RULES_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "svf/text_scan.h"
-
 namespace tapforge {
+
+/// Which characters end a line: only a line feed, or a carriage return as well.
+enum class LineEnds { lineFeed, lineFeedOrReturn };
 
 /// A place in the source, as messages show it.
 struct SourcePlace {
   std::string_view sFileName;
   std::int64_t lLineNum;       // the first line is 1
   std::string_view sLastItem;  // the token or character read last, as written
-  std::string_view sSrcLine;   // where lines are cut, the part that was read last
+  std::string_view sSrcLine;   // where lines are cut, the segment that was read last
   std::int64_t iTokenCol;      // of the last token in sSrcLine, from 0
+  std::int64_t statementLine;  // the line that the statement begins in; 0: not told
 };
+
+inline constexpr std::string_view kStatementLine = "The statement begins in line ";
 
 /// The ways in which the two program modes read SVF differently. Each mode has
 /// one constant of it.
@@ -32,8 +37,11 @@ struct SyntaxRules {
 
   /// What ends a line: for line numbers, comments and cut lines.
   LineEnds lineEnds;
-  /// Lines are read in parts of at most FileChannel::kMaxLine characters. Messages
-  /// show such a part, and a line end or the end of the file in a value as a blank.
+  /// -exact: numbers keep all their digits and stand in one piece, a value has
+  /// digits, messages also tell where the statement begins, and CR LF is one line.
+  bool exact = false;
+  /// Lines are read in segments of at most FileChannel::kMaxLine characters. Messages
+  /// show such a segment, and a line end or the end of the file in a value as a blank.
   bool linesAreCut;
   /// A "/" that begins no comment is a token. If not, it is lost, and the
   /// character after it is a token by itself.

@@ -46,7 +46,7 @@ std::int64_t decimalValue(std::string_view digits) {
 bool FileChannel::getToken() {
   const unsigned char* p = cur_;
   CharClass c = classOf(*p);
-  // The byte at end_ is 0, which is no white space.
+  // The byte at end_ is 0, which is neither white space nor part of a word.
   while (c == CharClass::space) c = classOf(*++p);
   if (c == CharClass::wordStart) return takeWord(p);
   if (c == CharClass::digit) return getNum(p);
@@ -57,13 +57,17 @@ bool FileChannel::getToken() {
 }
 
 inline bool FileChannel::takeWord(const unsigned char* start) {
-  const unsigned size = wordPrefix(start);
-  if (size >= 16 || start + size >= end_) return takeLong(start, TokenType::word);
+  const unsigned char* p = start;
+  do {
+    ++p;
+  } while (isWordChar(*p));
+  const auto size = static_cast<std::size_t>(p - start);
+  if (p == end_ || size >= kWordLimit) return takeLong(start, TokenType::word);
   sToken_ = start;
   tokenSize_ = size;
   key_ = keyOf(start, size);
   iTokenType_ = TokenType::word;
-  cur_ = start + size;
+  cur_ = p;
   return true;
 }
 
@@ -156,6 +160,7 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     start = cur_;
   }
   const bool another = start + 1 != end_ && start[1] == '/';
+  if (rules_.exact && !another) report_.fatal("-exact: a \"/\" that begins no comment");
   if (!rules_.slashIsToken) {
     if (another) {
       skipComment(start);
@@ -171,18 +176,18 @@ bool FileChannel::takeSlash(const unsigned char* start) {
     key_ = static_cast<unsigned char>(toLower(static_cast<char>(start[1])));
     return true;
   }
-  // A comment is read from the part of the line that holds its second "/". When the
-  // line is cut before that one, the comment begins at -1 of the part: fatal.
-  const bool partEnds = endsPart(start + 1);
-  if (another && partEnds) {
+  // A comment is read from the segment of the line that holds its second "/". When
+  // the line is cut before that one, the comment begins at -1 of the segment: fatal.
+  const bool segmentEnds = endsSegment(start + 1);
+  if (another && segmentEnds) {
     const auto length = static_cast<std::int64_t>(getSrcLine(offsetOf(start + 1)).size());
-    report_.rangeCheck(-1, 0, length, "skCm");
+    report_.fatal(concat("[skCm] range[0 <= -1 <= ", length, "]"), Where::nowhere);
   }
   if (another) {
     skipComment(start);
     return false;
   }
-  return takeCharacter(start, partEnds ? TokenType::cutSlash : TokenType::punctuation);
+  return takeCharacter(start, segmentEnds ? TokenType::cutSlash : TokenType::punctuation);
 }
 
 // White space before `position` that is the last item read.
@@ -197,9 +202,10 @@ void FileChannel::takeBlankItem(const unsigned char* position) {
 
 bool FileChannel::endQuietly() {
   takeBlankItem(end_);
-  // Where lines are shown, each blank has a column of its own; one that ended
-  // the last token has been read with it.
-  const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_;
+  // Where lines are shown, each blank has a column of its own; one that ended the last
+  // token has been read with it, but for one behind a number.
+  const bool behindNumber = isDigit(*sToken_) && (end_[-1] == ' ' || end_[-1] == '\t');
+  const bool endsToken = lookedAhead() && sToken_ + tokenSize_ + 1 == end_ && !behindNumber;
   if (rules_.linesAreCut && end_ != keptBegin_ && isSpace(end_[-1]) && !endsToken) {
     iTokenCol_ = end_ - 1;
   }

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "io/text.h"
-#include "tests/support/fakes.h"
+#include "tests/support/in_memory.h"
 
 namespace tapforge::testing {
 namespace {
@@ -20,8 +20,9 @@ void expectInAllBlocks(const std::vector<Case>& cases,
   for (const std::size_t size : kBlockSizes) {
     const WithBlockSize blocks(size);
     for (const Case& each : cases) {
-      EXPECT_EQ(read(each.svf, scriptRules()), each.script) << "blocks of " << size;
-      EXPECT_EQ(read(each.svf, ksvfRules()), each.ksvf) << "blocks of " << size;
+      EXPECT_EQ(read(each.svf, progmode_svf2tapbus::kSyntaxRules), each.script)
+          << "blocks of " << size;
+      EXPECT_EQ(read(each.svf, progmode_svf2ksvf::kSyntaxRules), each.ksvf) << "blocks of " << size;
     }
   }
 }
@@ -57,7 +58,7 @@ std::string tokens(const std::string& svf, SyntaxRules rules) {
       list.all += ' ';
     }
   } catch (const ProgramEnd&) {
-    list.all += source.report.saying();
+    list.all += source.saying();
   }
   return list.all;
 }
@@ -158,16 +159,6 @@ TEST(Tokens, HaveAPlace) {
           {blanks(198) + "/x", "1[/]0:x", "1[x]"},
       },
       place);
-}
-
-TEST(Tokens, AreComparedInAnyCase) {
-  const auto is = [](std::string_view svf, const Word& word) {
-    Source source(svf, scriptRules());
-    return source.channel.lexIs(word);
-  };
-  EXPECT_TRUE(is("EndState", "endstate") && is("FREQUENCY", "frequency"));
-  EXPECT_FALSE(is("sdr1", "sdr") || is("sd", "sdr") || is("sir", "sdr") || is("5", "sdr"));
-  EXPECT_FALSE(is("endstates", "endstate") || is("frequencx", "frequency"));
 }
 
 }  // namespace

@@ -74,6 +74,8 @@ TEST(Refusals, Keywords) {
   expect({
       {"<FOO> bar;", unknown + "[foo]"},
       {"<12ab>;", unknown + "[12ab]"},
+      {"<FREQUENCX>;", unknown + "[frequencx]"},
+      {"<SDR1> 8;", unknown + "[sdr1]"},
       {"<;> (;", unknown + "[;]"},
       // A / alone is lost in KSVF.
       {"</> x;", unknown + "[/]", "/ <x>;", unknown + "[x]"},
@@ -91,6 +93,9 @@ TEST(Refusals, Numbers) {
       {"FREQUENCY 1E6 HZ <TRST>;", "Expecting [;]"},
       {"FREQUENCY 1.5<;>", "Exponent sign ?"},
       {"FREQUENCY 1.5e- <HZ>;", "Number expected"},
+      {"FREQUENCY 1.5e--<3> HZ;", "Expected positive number"},
+      {"FREQUENCY <.>5 HZ;", real},
+      {"FREQUENCY 1.<5f> HZ;", real},
       {"FREQUENCY <(>;", real},
       {"FREQUENCY 1.<X> HZ;", real},
       {"FREQUENCY 1.<(>5) HZ;", real},
@@ -134,6 +139,7 @@ TEST(Refusals, Waits) {
       {"RUNTEST 1 TCK 1 SEC MAXIMUM <SEC>;", "Invalid RUNTEST max spec"},
       {"RUNTEST 1 TCK ENDSTATE <DRSHIFT>;", "[drshift]: invalid end state"},
       {"RUNTEST 1 TCK ENDSTATE <5>;", "Invalid ENDSTATE"},
+      {"RUNTEST 1 TCK <ENDSTATES> IDLE;", "Invalid RUNTEST format"},
       {"RUNTEST 1 TCK ENDSTATE IDLE <IDLE>;", "Expecting [;]"},
   });
 }
@@ -211,6 +217,16 @@ TEST(Refusals, EndOfFileInsideAStatement) {
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [end]):\nend\n^*\n");
   EXPECT_EQ(toKsvf(end).messages,
             "\nWarning: Unknown SVF keyword [end]\n[input: line 1]:[end]\nError  : EOF_CH");
+  EXPECT_EQ(toScript("SIR 8 TDI (1").messages,
+            "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [ ]):\n"
+            "SIR 8 TDI (1\n           ^*\n");
+  // A blank at the very end has been read with a word, and is seen behind a number.
+  const std::pair<std::string, std::size_t> blanks[] = {
+      {"SIR ", 0}, {"SIR  ", 4}, {"SIR 8 ", 5}, {"FREQUENCY 1E6\t", 13}, {"STATE IDLE ", 6}};
+  for (const auto& [svf, column] : blanks) {
+    const std::string caret = "\n" + svf + "\n" + std::string(column, ' ') + "^*\n";
+    EXPECT_TRUE(toScript(svf).messages.ends_with(caret)) << svf;
+  }
   EXPECT_EQ(toKsvf("SIR 6 TDI (7F").messages,
             "\nWarning: 1's in 2 MSB bits of leading hex char (7) will be ignored\n"
             "[input: line 1]:[F]\nError  : EOF_CH");

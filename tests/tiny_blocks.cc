@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "io/block_size.h"
+#include "io/files.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the examples of pages and compares all that they print and leave behind.
+r"""Runs the examples of pages and compares all that they print and leave behind.
 
 An example is a block that is indented by four spaces. It starts in an empty folder. The files that
 it needs stand before its first command, all that a command gives after it:
@@ -11,17 +11,23 @@ it needs stand before its first command, all that a command gives after it:
       SIR 8
           TDI (2c) ;
 
-That is standard output, "stderr:", every file that was made or written, and the exit status as
-[1] unless it is 0. Equal files stand together; a .ksvf file is turned back into its listing, so it
-stands with the listing when they agree: what prepares a scan on the line of the scan, and without
-the KREPEAT 0x20 and KCOMPLETE around it, unless one of them is missing. The start-up banner, with the empty line that begins a first message, is left out; dates and times are masked.
-"\\r", "\\t" and "\\x07" are characters, "c\\{70}" is 70 times c, "line\\{10 lines}" ten such lines, and
-"\\" at the end tells that the last line has no line end. A function holds to the end of its page.
-"<!-- needs WORD -->" before an example lets --without WORD leave it out, in a manual
-".\\" needs WORD".
+A command gives what it prints, "stderr:", every file that was made or written, and the exit status
+as [1] unless it is 0. A function that it defines holds to the end of the page.
 
-In a ```console or .Bd block a command is followed by what a terminal shows, without the banner;
-files stay from block to block, and examples/ and player/ are there. Relative links must lead to a file."""
+    a, b:            files with the same content; "as before", "empty" and "gone" tell of a file
+    \r  \t  \x07     characters; x\{70} is 70 times x, and line\{10 lines} ten such lines
+    \                at the end of a line: it goes on in the next; at the very end: no line end
+    <time>           dates and times; the banner, with the empty line behind it, is left out
+    out.ksvf:        its bytes as a listing, so that it stands with the listing when they agree
+    KSDRSIZE | KSDR  what prepares a command stands on its line; so do the steps of a path
+    no KREPEAT       KREPEAT 0x20 and KCOMPLETE around a listing are shown where one is missing
+
+"<!-- needs WORD -->" before an example, in a manual ".\" needs WORD", has --without WORD leave it
+out.
+
+In a ```console or .Bd block of a document a command is followed by what a terminal shows, without
+the banner, and succeeds; the status of one that fails is shown by an echo. Files stay from block to
+block, and examples/ and player/ are there. Relative links must lead to a file."""
 import argparse, concurrent.futures, difflib, os, pathlib, re, shutil, subprocess, sys, tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -38,6 +44,10 @@ MASKS = [(r"(?m)^(  \*{4} Build date : )\w{3} [ \d]\d \d{4}-\d\d:\d\d:\d\d$", r"
          (r"(?m)^(- Date is                : \[)[^]\n]+(?=\]$)", r"\1<time>")]
 # A page shows these on the line of the scan that they prepare, and a path as one line.
 PREPARES = re.compile(r"(?m)^((?:KRUNTEST|KSDRSIZE|KTDOMASK) \w+(?=\nK)|KSTATE \w+(?=\nKSTATE))\n")
+# Documents that are known to have no examples; any other page without one has lost them.
+BARE = {"CHANGELOG.md", "bench/README.md", "docs/architecture.md", "docs/performance.md",
+        "docs/reliability.md"}
+FOLD = re.compile(r"(?=.{95})(.{50,91}\| |.{50,92} |[^\\\n]{93})")  # no line of a page is longer
 SPECIAL = {"\n": "\\n", "\r": "\\r", "\t": "\\t", "\\": "\\\\"}
 # The operands of each KSVF command: the bytes of a number, "v" for a vector.
 COMMANDS = {0: ("KCOMPLETE", ""), 1: ("KTDOMASK", "v"), 2: ("KSIR", "1v"), 3: ("KSDR", "v"),
@@ -92,7 +102,7 @@ def shown(text):
     for pattern, mask in MASKS:
         text = re.sub(pattern, mask, text)
     text = re.sub(r"(?m)([^\n])\1{64,}|[^\n -~]|\\| $|(?:(?<=\n)|\A)\n\Z", visible, text)
-    text = re.sub(r"(?m)^(.*\n)\1{9,}", repeated, text)
+    text = FOLD.sub("\\1\\\\\n", re.sub(r"(?m)^(.*\n)\1{9,}", repeated, text))
     return text[:-1] if text.endswith("\n") else text + "\\" * bool(text)
 
 
@@ -103,6 +113,7 @@ def given(text):
         char = chr(int(code[2:], 16)) if code[:2] == "\\x" else back.get(code, code)
         return char * int(match[2] or 1)
 
+    text = re.sub(r"(?<!\\)((?:\\\\)*)\\\n(?=.)", r"\1", text)
     text = re.sub(r"(?m)^(.*)\\\{(\d+) lines\}$", lambda m: "\n".join([m[1]] * int(m[2])), text)
     whole = not text.replace("\\\\", "").endswith("\\")
     return re.sub(r"(\\x..|\\[nrt\\]|\\\Z|.)(?:\\\{(\d+)\})?", plain, text) + "\n" * whole
@@ -138,7 +149,7 @@ class Page:
     def outcome(self, command, folder):
         """All that a command of an example gives, as the page must show it."""
         if re.match(r"\w+\(\) \{", command):
-            self.functions += command
+            self.functions += re.sub("(?m)^> ", "", command)
             return ""
         before = {file: file.read_bytes() for file in files(folder)}
         for file in before:
@@ -162,9 +173,9 @@ class Page:
 
     def example(self, match):
         head, *parts = re.split(r"(?m)^\$ ", re.sub("(?m)^ {4}", "", match[2]))
+        self.examples += bool(parts)
         if not parts or match[1] in self.without:
             return match[0]
-        self.examples += 1
         folder = self.folder / str(self.examples)
         folder.mkdir()
         for names, text in INPUT.findall(head):
@@ -178,18 +189,19 @@ class Page:
 
     def terminal(self, match):
         head, *parts = re.split(r"(?m)^\$ ", match[2])
+        self.examples += len(parts)
         if match[1] in self.without:
             return match[0]
         for part in parts:
             roff = self.path.suffix == ".1"
             text = part.replace(r"\&", "").replace(r"\e", "\\") if roff else part
             command = COMMAND.match(text)[0]
-            printed = self.run(command, self.folder / "terminal", apart=False)[0].rstrip("\n")
+            printed, _, status = self.run(command, self.folder / "terminal", apart=False)
+            printed = printed.rstrip("\n") + f"\n[{status}]" * (status != 0)
             if printed != text[len(command):].rstrip("\n"):
                 printed = printed.replace("\\", r"\e") if roff else printed
                 part = COMMAND.match(part)[0] + printed + "\n" * bool(printed)
             head += "$ " + part
-            self.examples += 1
         return match[0].replace(match[2], head)
 
 
@@ -203,9 +215,12 @@ def check(path, options):
     with tempfile.TemporaryDirectory() as folder:
         page = Page(path, pathlib.Path(folder), options)
         seen = TERMINAL.sub(page.terminal, EXAMPLE.sub(page.example, text))
+    faults = []
+    if (page.examples == 0) != (str(path.resolve()).removeprefix(f"{ROOT}/") in BARE):
+        faults.append(f"{path}: {page.examples} examples; BARE lists the documents without any\n")
     links = LINK.findall(text) if path.suffix == ".md" else []
-    faults = [f"{path}: dead link {link}\n" for link in links
-              if "://" not in link and not (path.parent / link).exists()]
+    faults += [f"{path}: dead link {link}\n" for link in links
+               if "://" not in link and not (path.parent / link).exists()]
     if options.update and seen != text:
         path.write_text(seen)
     elif seen != text:

@@ -5,7 +5,7 @@
 #include "io/text.h"
 #include "scan/composite.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
 
 int digitsOfNumber(std::uint32_t value) {
@@ -18,8 +18,7 @@ int digitsOfNumber(std::uint32_t value) {
 // for it: of its low 32 bits as many leading hex digits as the bytes have.
 std::uint64_t CommandWriter::leadingDigits(std::int64_t number, std::int64_t bytes,
                                            const CommandRow& row) {
-  report_.warning(tapforge::concat(row.name, " operand ", number, " does not fit"),
-                  tapforge::Where::nowhere);
+  report_.warning(concat(row.name, " operand ", number, " does not fit"), Where::nowhere);
   const auto value = static_cast<std::uint32_t>(number);
   const std::int64_t surplus = digitsOfNumber(value) - 2 * bytes;
   return surplus > 0 ? value >> (4 * surplus) : value;
@@ -34,7 +33,7 @@ char* CommandWriter::listHead(const CommandRow& row, std::initializer_list<std::
     const auto value = static_cast<std::uint32_t>(number);
     const int digits = std::max(2 * *bytes++, digitsOfNumber(value));
     out = std::copy_n(" 0x", 3, out);
-    out = tapforge::putDigits(out, tapforge::ShortScan{value}, 0, digits, row.listedIn);
+    out = putDigits(out, ShortScan{value}, 0, digits, row.listedIn);
   }
   return out;
 }
@@ -63,4 +62,4 @@ void CommandWriter::writeComment(std::string_view text) {
   pFC_Ascii_->write("\n");
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

@@ -11,10 +11,7 @@
 #include "scan/hex_output.h"
 #include "vector/ksvf_commands.h"
 
-namespace progmode_svf2ksvf {
-
-using tapforge::OutputFile;
-using tapforge::Reporter;
+namespace tapforge::progmode_svf2ksvf {
 
 /// Writes KSVF commands: one call writes a command to the binary file and, as a
 /// line of text, to the listing if there is one.
@@ -63,7 +60,7 @@ class CommandWriter {
   char* binWrite(char* out, std::int64_t number, std::int64_t bytes, const CommandRow& row) {
     auto value = static_cast<std::uint64_t>(number);
     if (value >> (8 * bytes) != 0) value = leadingDigits(number, bytes, row);
-    tapforge::storeBig(out, value << (tapforge::kWordBits - 8 * bytes));
+    storeBig(out, value << (kChunkBits - 8 * bytes));
     return out + bytes;
   }
   std::uint64_t leadingDigits(std::int64_t number, std::int64_t bytes, const CommandRow& row);
@@ -73,19 +70,19 @@ class CommandWriter {
   /// of its own.
   template <typename Bits>
   char* bytePrint(char* out, const Bits& bits, std::int64_t low, std::int64_t count) {
-    // The first word may hold fewer than eight bytes.
-    std::int64_t left = tapforge::bytesOf(count);
+    // The first chunk may hold fewer than eight bytes.
+    std::int64_t left = bytesOf(count);
     const std::int64_t first = left - ((left - 1) & ~std::int64_t{7});
     left -= first;
-    const std::uint64_t top = bits(low + 8 * left) & tapforge::lowBits(count - 8 * left);
-    tapforge::storeBig(out, top << (tapforge::kWordBits - 8 * first));
+    const std::uint64_t top = bits(low + 8 * left) & lowBits(count - 8 * left);
+    storeBig(out, top << (kChunkBits - 8 * first));
     out += first;
     while (left > 0) {
       output_.advance(out);
       out = output_.reserve(kAtOnce + kHead);
       for (char* const stop = out + std::min(left, kAtOnce); out != stop; out += 8) {
         left -= 8;
-        tapforge::storeBig(out, bits(low + 8 * left));
+        storeBig(out, bits(low + 8 * left));
       }
     }
     return out;
@@ -107,12 +104,12 @@ class CommandWriter {
   /// so that whole bytes are shown.
   template <typename Bits>
   char* listVector(char* out, const Bits& bits, std::int64_t low, std::int64_t count) {
-    const std::int64_t digits = tapforge::digitsOf(count);
+    const std::int64_t digits = digitsOf(count);
     out = std::copy_n(" 0x0", 4, out) - (digits % 2 == 0 ? 1 : 0);
     const auto record = [&bits, low](std::int64_t at) { return bits(low + at); };
-    if (digits <= 16) return tapforge::putDigits(out, record, 0, digits, tapforge::HexCase::lower);
+    if (digits <= 16) return putDigits(out, record, 0, digits, HexCase::lower);
     pFC_Ascii_->advance(out);
-    tapforge::writeDigits(*pFC_Ascii_, record, digits - 1, digits, tapforge::HexCase::lower);
+    writeDigits(*pFC_Ascii_, record, digits - 1, digits, HexCase::lower);
     return pFC_Ascii_->reserve(kHead);
   }
 
@@ -121,6 +118,6 @@ class CommandWriter {
   Reporter& report_;
 };
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf
 
 #endif  // TAPFORGE_VECTOR_COMMAND_WRITER_H

@@ -10,7 +10,7 @@
 
 #include "scan/bits.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 
 /// The commands of the KSVF format. A file holds the code in one byte, then the
 /// numbers with the most significant byte first, then the vectors (bit vectors in
@@ -43,7 +43,7 @@ struct CommandRow {
   std::string_view name;
   std::array<std::uint8_t, 3> numberBytes;  // of each number, 0 for none
   std::size_t vectors;
-  tapforge::HexCase listedIn = tapforge::HexCase::upper;  // numbers in the listing
+  HexCase listedIn = HexCase::upper;  // numbers in the listing
 
   constexpr std::size_t numbers() const {
     std::size_t count = 0;
@@ -68,7 +68,7 @@ inline constexpr std::array kCommands = std::to_array<CommandRow>({
     {Command::KSDRTDOB, "KSDRTDOB", {}, 2},
     {Command::KSDRTDOC, "KSDRTDOC", {}, 2},
     {Command::KSDRTDOE, "KSDRTDOE", {}, 2},
-    {Command::KSTATE, "KSTATE", {1}, 0, tapforge::HexCase::lower},
+    {Command::KSTATE, "KSTATE", {1}, 0, HexCase::lower},
     {Command::KENDIR, "KENDIR", {1}, 0},
     {Command::KENDDR, "KENDDR", {1}, 0},
     {Command::KSIR2, "KSIR2", {2}, 1},
@@ -76,7 +76,8 @@ inline constexpr std::array kCommands = std::to_array<CommandRow>({
     {Command::KWAIT, "KWAIT", {1, 1, 4}, 0},
 });
 
-static_assert(std::ranges::is_sorted(kCommands, {}, &CommandRow::code));
+static_assert(std::is_sorted(kCommands.begin(), kCommands.end(),
+                             [](auto& a, auto& b) { return a.code < b.code; }));
 
 namespace ksvf_commands {
 
@@ -101,6 +102,6 @@ constexpr const CommandRow& rowOf(Command command) {
   return kCommands[ksvf_commands::kPlaces[static_cast<std::size_t>(command)]];
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf
 
 #endif  // TAPFORGE_VECTOR_KSVF_COMMANDS_H

@@ -1,58 +1,65 @@
-#include "vector/ksvf_loop.h"
+#include "vector/ksvf_mode.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "io/text.h"
+#include "scan/exact.h"
 #include "scan/scan_statement.h"
 #include "svf/numbers.h"
 #include "svf/runtest.h"
 #include "svf/state_statements.h"
-#include "svf/statement_loop.h"
 #include "vector/ksvf_moves.h"
 #include "vector/ksvf_scans.h"
-#include "vector/ksvf_traits.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
-
-using tapforge::concat;
-using tapforge::FileChannel;
-using tapforge::Where;
 
 /// Hands what the parsers read to the writers. What it adds is the order: when
 /// a pending scan is written, where the source comments of -kprintsrc go, and which
 /// end state waits for the RUNTEST after it.
-class KsvfLoop final : private tapforge::CommentSink {
+class KsvfLoop final : private CommentSink {
  public:
-  KsvfLoop(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
-           OutputFile* listing, Reporter& report)
+  KsvfLoop(const KsvfVars& vars, InputFile& input, OutputFile& output, OutputFile* listing,
+           Reporter& report)
       : vars_(vars),
         report_(report),
-        channel_(input, kSyntaxRules, report, this),
+        rules_(vars.exact ? exactRules() : kSyntaxRules),
+        channel_(input, rules_, report, this),
         commands_(output, listing, report),
         scans_(vars, commands_, pGlobTapData_, report),
         moves_(vars, commands_) {
     if (vars_.iOptPrintSrc >= 2) channel_.keepSrcEcho(vars_.g_lMaxLinesToCopy);
+    if (!vars_.exact) return;
+    exact_.emplace("KSVF", vars_.lGlobTckFreq, pGlobTapData_, channel_);
+    pGlobTapData_.compareExactly();
   }
 
   bool processSVF() {
-    ksvfHeaderTrailer(Frame::header);
-    const bool allKnown = tapforge::doStatements(channel_, *this);
-    ksvfHeaderTrailer(Frame::trailer);
+    commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
+    if (vars_.iOptPrintSrc >= 1) {
+      commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
+    }
+    bool allKnown = true;
+    for (channel_.resetSrcLineBuf(); channel_.lexKeyword(); channel_.resetSrcLineBuf()) {
+      allKnown = doStatement(channel_, *this) && allKnown;
+    }
+    scans_.writePending(StaleCount::cancel);
+    commands_.write(Command::KCOMPLETE);
+    if (exact_) exact_->endOfSource();
     return allKnown;
   }
-
-  void beforeKeyword() { channel_.resetSrcLineBuf(); }
-  void afterKeyword() {}
 
   void doScan(Keyword keyword) {
     scans_.writeOverwritten(keyword);
     if (shiftsData(keyword)) pGlobTapData_.iSvfTrstRule = true;
-    const bool accepted = tapforge::readTapData(keyword, pGlobTapData_, channel_);
+    const bool accepted = readTapData(keyword, pGlobTapData_, channel_);
     writeSvfSrc();
-    if (!accepted) tapforge::endByRuleViolation(report_);
-    if (keyword == Keyword::sdr) iCurState_ = pGlobTapData_.iEndDrState;
-    if (keyword == Keyword::sir) iCurState_ = pGlobTapData_.iEndIrState;
+    if (!accepted) endByRuleViolation(report_);
+    if (keyword == Keyword::sdr) pGlobTapData_.iCurState = pGlobTapData_.iEndDrState;
+    if (keyword == Keyword::sir) pGlobTapData_.iCurState = pGlobTapData_.iEndIrState;
+    if (exact_ && shiftsData(keyword)) checkExactScan(registerOf(keyword));
     scans_.doDataShift(keyword);
     // An SDR leaves the flag set: the count of a RUNTEST also applies to the first
     // SDR after it.
@@ -61,23 +68,30 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   void doState() {
     scans_.writePending(StaleCount::cancel);
-    tapforge::StatePathReader pStatePath(iCurState_, channel_);
-    TapState previous = iCurState_;
-    while (const auto step = pStatePath.next()) {
-      if (step->oneClock) {
-        moves_.addTapTransition(step->state);
+    const TapState before = pGlobTapData_.iCurState;
+    const bool inPause = before == TapState::drpause || before == TapState::irpause;
+    bool first = true;
+    bool held = false;  // a pause state named again, first: SVF leaves it unless a path follows
+    pGlobTapData_.iCurState = readStatePath(before, channel_, [&](const PathStep& step) {
+      held = std::exchange(first, false) && exact_ && inPause && step.state == before;
+      if (held) return;
+      if (step.oneClock) {
+        moves_.addTapTransition(step.state);
       } else {
-        moves_.doStableState(previous, step->state);
+        moves_.doStableState(step.from, step.state);
       }
-      previous = step->state;
-    }
-    iCurState_ = previous;
+    });
+    if (held) moves_.doStableState(before, before);
     statementDone();
   }
 
   void doEndState(ScanRegister which) {
-    const TapState state = tapforge::readEndState(channel_);
-    (which == ScanRegister::data ? pGlobTapData_.iEndDrState : pGlobTapData_.iEndIrState) = state;
+    const TapState state = readEndState(channel_);
+    pGlobTapData_.endStateOf(which) = state;
+    const TapState pause = which == ScanRegister::data ? TapState::drpause : TapState::irpause;
+    if (exact_ && state != TapState::idle && state != pause) {
+      exact_->refuse("KSVF ends scans only in IDLE and in the pause state of their register");
+    }
     const bool beforeRunTest = nextIsRunTest();
     if (beforeRunTest && !vars_.giUseKwait) {
       g_iDelayedEndxR_ = true;
@@ -93,11 +107,12 @@ class KsvfLoop final : private tapforge::CommentSink {
     pGlobTapData_.iSvfTrstRule = true;
     scans_.setRunTestFlag(true);
     if (vars_.giUseKwait) scans_.writePending(StaleCount::keep);
+    if (exact_) return writeExactWait();
     std::int64_t count = readRunCount();
     // RUNTESTs in a row are one wait.
     while (!vars_.giUseKwait && nextIsRunTest()) {
       channel_.lex();
-      count = tapforge::saturatedSum(count, readRunCount());
+      count = saturatedSum(count, readRunCount());
     }
     count = std::max(count, vars_.lRunMin);
     if (vars_.giUseKwait) {
@@ -107,7 +122,7 @@ class KsvfLoop final : private tapforge::CommentSink {
       scans_.writePending(StaleCount::keep);
     }
     writeSvfSrc();
-    iCurState_ = pGlobTapData_.iRunEndState;
+    pGlobTapData_.iCurState = pGlobTapData_.iRunEndState;
     if (g_iDelayedEndxR_) {
       writeEndState(g_iStoredEndMode_, g_iStoredEndTap_);
       scans_.setRunTestFlag(false);
@@ -117,44 +132,37 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   void doFrequency() {
     scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.fTckFreq = tapforge::readFrequency(channel_);
+    const Frequency frequency = readFrequency(channel_);
+    pGlobTapData_.fTckFreq = frequency.hertz;
+    if (exact_) exact_->frequency(frequency);
     statementDone();
   }
 
   void doTrst() {
     scans_.writePending(StaleCount::cancel);
     pGlobTapData_.iTrstMode =
-        tapforge::readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+        readTrst(pGlobTapData_.iTrstMode, pGlobTapData_.iSvfTrstRule, channel_).mode;
+    if (exact_) exact_->resetLine(pGlobTapData_.iTrstMode);
     statementDone();
   }
 
   void doPioMap() {
     scans_.writePending(StaleCount::cancel);
-    pGlobTapData_.pPioMap = tapforge::readPioMap(channel_);
+    std::string asWritten;
+    pGlobTapData_.pPioMap = readPioMap(channel_, asWritten);
+    if (exact_) exact_->parallelIo();
     statementDone();
   }
 
   void doPio() {
     scans_.writePending(StaleCount::cancel);
-    tapforge::readPio(pGlobTapData_.pPioMap, channel_);
+    std::string asWritten;
+    readPio(pGlobTapData_.pPioMap, channel_, asWritten);
+    if (exact_) exact_->parallelIo();
     statementDone();
   }
 
  private:
-  enum class Frame { header, trailer };
-
-  void ksvfHeaderTrailer(Frame which) {
-    if (which == Frame::trailer) {
-      scans_.writePending(StaleCount::cancel);
-      commands_.write(Command::KCOMPLETE);
-      return;
-    }
-    commands_.write(Command::KREPEAT, {vars_.lKrepeatVal});
-    if (vars_.iOptPrintSrc >= 1) {
-      commands_.writeComment(std::string_view(vars_.g_csVerStr).substr(0, FileChannel::kMaxEcho));
-    }
-  }
-
   // Comments of the source go out with the text before them, which is then not
   // repeated with the statement.
   void commentText(std::string_view /*piece*/) override {}
@@ -187,20 +195,19 @@ class KsvfLoop final : private tapforge::CommentSink {
 
   // Reads one RUNTEST, stores its states and returns its count in TCKs.
   std::int64_t readRunCount() {
-    tapforge::RunTestNumbers numbers;
-    tapforge::RunTestReader reader(channel_);
-    while (const auto part = reader.next()) {
-      numbers.add(*part);
-      using Kind = tapforge::RunTestPart::Kind;
-      if (part->kind == Kind::runState) pGlobTapData_.iRunState = part->state;
-      if (part->kind == Kind::endState) pGlobTapData_.iRunEndState = part->state;
-      if (part->kind == Kind::time) numbers.fRunCount = countOfTime(*part);
-    }
-    tapforge::checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
-    return tapforge::truncated(numbers.fRunCount);
+    RunTestNumbers numbers;
+    readRunTest(channel_, [&](const RunTestPart& part) {
+      numbers.add(part);
+      using Kind = RunTestPart::Kind;
+      if (part.kind == Kind::runState) pGlobTapData_.iRunState = part.state;
+      if (part.kind == Kind::endState) pGlobTapData_.iRunEndState = part.state;
+      if (part.kind == Kind::time) numbers.fRunCount = countOfTime(part);
+    });
+    checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
+    return truncated(numbers.fRunCount);
   }
 
-  float countOfTime(const tapforge::RunTestPart& part) {
+  float countOfTime(const RunTestPart& part) {
     const std::int64_t frequency = vars_.lGlobTckFreq;
     if (frequency == -1) {
       report_.warning("Use tck_freq option to convert time delay into equivalent TCK count");
@@ -209,25 +216,66 @@ class KsvfLoop final : private tapforge::CommentSink {
     report_.warning(
         concat("Converting delay to equivalent TCK count using tck_freq = ", frequency, " Hz"),
         Where::nowhere);
-    const tapforge::Number& time = part.number;
-    const bool whole = time.kind == tapforge::Number::Kind::integer;
-    const std::int64_t clocks =
-        whole ? tapforge::saturatedProduct(time.integer, frequency)
-              : tapforge::truncated(time.real * static_cast<float>(frequency));
+    const Number& time = part.number;
+    const bool whole = time.kind == Number::Kind::integer;
+    const std::int64_t clocks = whole ? saturatedProduct(time.integer, frequency)
+                                      : truncated(time.real * static_cast<float>(frequency));
     report_.warning(concat("=> ", whole ? std::to_string(time.integer) : std::to_string(time.real),
                            " ", channel_.tokenLower(), " to ", clocks, " TCKs"));
     return static_cast<float>(clocks);
   }
 
+  static SyntaxRules exactRules() {
+    SyntaxRules rules = kSyntaxRules;
+    rules.exact = true;
+    rules.lineEnds = LineEnds::lineFeedOrReturn;
+    rules.timesBecomeCounts = false;
+    return rules;
+  }
+
+  // Scans that KSVF cannot say, or cannot compare, at their own place: they are written
+  // one statement late.
+  void checkExactScan(ScanRegister which) {
+    exact_->scan(which);
+    RegisterScan& scan = pGlobTapData_.scanOf(which);
+    const std::int64_t length = compositeLength(scan, report_);
+    const bool compares = scan.compares() && !vars_.iSkipTdoTest;
+    if (which == ScanRegister::instruction) {
+      if (length > 0xffff) exact_->refuse("KSVF has no instruction scan above 65535 bits");
+      if (compares) report_.warning("KSVF does not compare the TDO of an SIR");
+      return;
+    }
+    if (length > 0xffffffff) exact_->refuse("KSVF has no data scan above 2^32-1 bits");
+    if (!vars_.iFpgaFormat || length <= vars_.lFpgaRecSize || !compares) return;
+    const CompositeScan mask(scan, ScanValue::mask, length);
+    for (std::int64_t low = 0; low < length; low += kChunkBits) {
+      if (mask(low) != lowBits(std::min(length - low, kChunkBits))) {
+        exact_->refuse("a record compares all bits or none: use -s or a longer -rlen");
+      }
+    }
+  }
+
+  // A KWAIT, or several for more clocks than one can hold.
+  void writeExactWait() {
+    readRunTest(channel_, [this](const RunTestPart& part) { exact_->runTestPart(part); });
+    constexpr std::int64_t kMost = 0xffffffff;
+    const TapState state = pGlobTapData_.iRunState;
+    std::int64_t clocks = exact_->endRunTest();
+    for (; clocks > kMost; clocks -= kMost) moves_.wait(state, state, kMost);
+    moves_.wait(state, pGlobTapData_.iRunEndState, clocks);
+    writeSvfSrc();
+  }
+
   const KsvfVars& vars_;
   Reporter& report_;
+  const SyntaxRules rules_;
   FileChannel channel_;
   CTapObj pGlobTapData_;
+  std::optional<ExactRules> exact_;
   CommandWriter commands_;
   KsvfScans scans_;
   KsvfMoves moves_;
 
-  TapState iCurState_ = TapState::reset;  // that the file has brought the TAP to
   // An ENDIR or ENDDR whose command goes out after the RUNTEST that follows it.
   bool g_iDelayedEndxR_ = false;
   ScanRegister g_iStoredEndMode_ = ScanRegister::instruction;
@@ -236,9 +284,9 @@ class KsvfLoop final : private tapforge::CommentSink {
 
 }  // namespace
 
-bool processSVF(const KsvfVars& vars, tapforge::InputFile& input, OutputFile& output,
-                OutputFile* listing, Reporter& report) {
+bool processSVF(const KsvfVars& vars, InputFile& input, OutputFile& output, OutputFile* listing,
+                Reporter& report) {
   return KsvfLoop(vars, input, output, listing, report).processSVF();
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

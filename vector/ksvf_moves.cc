@@ -2,10 +2,10 @@
 
 #include <span>
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
 
-using enum tapforge::TapState;
+using enum TapState;
 
 // The ways between the stable states, without their start. A way from a pause
 // state to itself goes all the way round.
@@ -49,4 +49,4 @@ void KsvfMoves::wait(TapState waitState, TapState endState, std::int64_t count) 
   commands_.write(Command::KWAIT, {numberOf(waitState), numberOf(endState), count});
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

@@ -5,12 +5,9 @@
 
 #include "svf/tap_state.h"
 #include "vector/command_writer.h"
-#include "vector/ksvf_vars.h"
+#include "vector/ksvf_mode.h"
 
-namespace progmode_svf2ksvf {
-
-using tapforge::ScanRegister;
-using tapforge::TapState;
+namespace tapforge::progmode_svf2ksvf {
 
 /// Writes state moves, end states and waits as KSVF commands.
 class KsvfMoves {
@@ -35,6 +32,6 @@ class KsvfMoves {
   CommandWriter& commands_;
 };
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf
 
 #endif  // TAPFORGE_VECTOR_KSVF_MOVES_H

@@ -5,13 +5,8 @@
 
 #include "scan/scan_statement.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
-
-using tapforge::CompositeScan;
-using tapforge::kWordBits;
-using tapforge::ScanValue;
-using tapforge::ShortScan;
 
 // The vectors of one scan. Those of at most 64 bits need nothing set up, which
 // halves the work of a short scan.
@@ -59,10 +54,10 @@ constexpr auto kZeros = [](std::int64_t) { return std::uint64_t{0}; };
 void KsvfScans::doDataShift(Keyword keyword) {
   writePending(StaleCount::cancel);
   if (!shiftsData(keyword)) {
-    report_.statusMsg("Header/Trailer info combined with SIR/SDR", tapforge::StatusStyle::newLine);
+    report_.statusMsg("Header/Trailer info combined with SIR/SDR", StatusStyle::newLine);
     return;
   }
-  tapforge::compositeLength(pGlobTapData_.scanOf(registerOf(keyword)), report_);
+  compositeLength(pGlobTapData_.scanOf(registerOf(keyword)), report_);
   if (keyword == Keyword::sdr) {
     iSdrFlag_ = true;
   } else {
@@ -96,10 +91,10 @@ void KsvfScans::writeEmptyScan() {
 
 void KsvfScans::writeInstruction() {
   RegisterScan& scan = pGlobTapData_.instructionScan;
-  const std::int64_t length = tapforge::compositeLength(scan, report_);
+  const std::int64_t length = compositeLength(scan, report_);
   // KSVF compares nothing on an instruction scan: its TDO and MASK are dropped.
   const Command command = length < 256 ? Command::KSIR : Command::KSIR2;
-  if (length <= kWordBits) {
+  if (length <= kChunkBits) {
     commands_.write(command, {length}, 0, length, ShortVectors(scan).tdi());
   } else {
     commands_.write(command, {length}, 0, length, LongVectors(scan, length).tdi());
@@ -114,16 +109,14 @@ void KsvfScans::writePendingSir(StaleCount count) {
   if (vars_.iV2Compatibility && lTckRunCount_ != 0) writeEmptyScan();
 }
 
-bool KsvfScans::tests() const {
-  return pGlobTapData_.pTapData.pTdo() != nullptr && !vars_.iSkipTdoTest;
-}
+bool KsvfScans::tests() const { return pGlobTapData_.dataScan.compares() && !vars_.iSkipTdoTest; }
 
 void KsvfScans::writePendingSdr(StaleCount count) {
   RegisterScan& scan = pGlobTapData_.dataScan;
-  const std::int64_t length = tapforge::compositeLength(scan, report_);
+  const std::int64_t length = compositeLength(scan, report_);
   if (vars_.iFpgaFormat && length > vars_.lFpgaRecSize) {
     writePartition(LongVectors(scan, length), length);
-  } else if (length <= kWordBits) {
+  } else if (length <= kChunkBits) {
     writeWholeScan(ShortVectors(scan), length, count);
   } else {
     writeWholeScan(LongVectors(scan, length), length, count);
@@ -156,14 +149,14 @@ void KsvfScans::writeWholeScan(const Vectors& vectors, std::int64_t length, Stal
 // Writes a mask unless its digits begin the last one written.
 template <typename Mask>
 void KsvfScans::writeMask(const Mask& mask, std::int64_t length) {
-  const std::int64_t digits = tapforge::digitsOf(length);
+  const std::int64_t digits = digitsOf(length);
   if (compareHexData(mask, digits)) return;
   const std::int64_t bits = 4 * digits;
-  if (bits <= kWordBits) {
+  if (bits <= kChunkBits) {
     pSdrMask_.initShort(bits, mask(0));
   } else {
-    tapforge::initTapField(pSdrMask_, bits, report_);
-    for (std::int64_t low = 0; low < bits; low += kWordBits) pSdrMask_.putBits(low, mask(low));
+    initTapField(pSdrMask_, bits, report_);
+    for (std::int64_t low = 0; low < bits; low += kChunkBits) pSdrMask_.putBits(low, mask(low));
   }
   maskKept_ = true;
   commands_.write(Command::KTDOMASK, {}, 0, length, mask);
@@ -176,9 +169,9 @@ bool KsvfScans::compareHexData(const Mask& mask, std::int64_t digits) const {
   const std::int64_t bits = 4 * digits;
   if (!maskKept_ || bits > pSdrMask_.lLength()) return false;
   const std::int64_t offset = pSdrMask_.lLength() - bits;
-  for (std::int64_t low = 0; low < bits; low += kWordBits) {
+  for (std::int64_t low = 0; low < bits; low += kChunkBits) {
     std::uint64_t differs = mask(low) ^ pSdrMask_.bitsAt(low + offset);
-    if (bits - low < kWordBits) differs &= tapforge::lowBits(bits - low);
+    if (bits - low < kChunkBits) differs &= lowBits(bits - low);
     if (differs != 0) return false;
   }
   return true;
@@ -189,7 +182,7 @@ void KsvfScans::writePartition(const Vectors& vectors, std::int64_t length) {
   const std::int64_t record = vars_.lFpgaRecSize;
   commands_.write(Command::KSDRSIZE, {record});
   lSdrSize_ = record;
-  if (pGlobTapData_.pTapData.pMask() != nullptr) {
+  if (pGlobTapData_.pTapData.pMask() != nullptr && !vars_.exact) {
     report_.warning("TDO MASK ignored when partitioning into KSDRTDOB/C/E");
   }
   writeRunCount(0);
@@ -215,4 +208,4 @@ void KsvfScans::writePartition(const Vectors& vectors, std::int64_t length) {
   }
 }
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

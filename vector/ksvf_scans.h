@@ -6,14 +6,9 @@
 #include "io/reporter.h"
 #include "scan/tap_obj.h"
 #include "vector/command_writer.h"
-#include "vector/ksvf_vars.h"
+#include "vector/ksvf_mode.h"
 
-namespace progmode_svf2ksvf {
-
-using tapforge::CTapField;
-using tapforge::CTapObj;
-using tapforge::Keyword;
-using tapforge::RegisterScan;
+namespace tapforge::progmode_svf2ksvf {
 
 /// What to do with the run count of an earlier RUNTEST before a pending scan is
 /// written: `keep` only when the RUNTEST just written belongs to that scan.
@@ -92,6 +87,6 @@ class KsvfScans {
   bool maskKept_ = false;           // false: it was all zero, or there was none
 };
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf
 
 #endif  // TAPFORGE_VECTOR_KSVF_SCANS_H

@@ -1,14 +1,15 @@
-#include "vector/ksvf_traits.h"
+#include "vector/ksvf_mode.h"
 
 #include "io/text.h"
 
-namespace progmode_svf2ksvf {
+namespace tapforge::progmode_svf2ksvf {
 namespace {
 
 // File, line and last item.
-std::string positionText(const tapforge::SourcePlace& place) {
-  return tapforge::concat("\n[", place.sFileName, ": line ", place.lLineNum, "]:[", place.sLastItem,
-                          "]");
+std::string positionText(const SourcePlace& place) {
+  const std::string text =
+      concat("\n[", place.sFileName, ": line ", place.lLineNum, "]:[", place.sLastItem, "]");
+  return place.statementLine > 0 ? concat(text, "\n", kStatementLine, place.statementLine) : text;
 }
 
 // A carriage return, 79 blanks and a carriage return.
@@ -18,7 +19,7 @@ constexpr std::string_view kClearLine =
 
 }  // namespace
 
-const tapforge::MessageStyle kMessageStyle = {
+const MessageStyle kMessageStyle = {
     .toolName = "svf2ksvf",
     .startLabel = "Start  ",
     .finishLabel = "Finish ",
@@ -28,13 +29,13 @@ const tapforge::MessageStyle kMessageStyle = {
     .screenWipe = kClearLine,
 };
 
-const tapforge::SyntaxRules kSyntaxRules = {
+const SyntaxRules kSyntaxRules = {
     .positionText = positionText,
     .numberTooLong = {"number exceeds [", "] digits"},
     .tokenMissing = {"Token [", "] not found"},
     .endOfFile = "EOF_CH",
     .endOfFileHasPosition = false,
-    .lineEnds = tapforge::LineEnds::lineFeed,
+    .lineEnds = LineEnds::lineFeed,
     .linesAreCut = false,
     .slashIsToken = false,
     .blankIsItem = true,
@@ -43,4 +44,4 @@ const tapforge::SyntaxRules kSyntaxRules = {
     .pathErrorNamesState = true,
 };
 
-}  // namespace progmode_svf2ksvf
+}  // namespace tapforge::progmode_svf2ksvf

@@ -7,6 +7,7 @@ import pathlib
 import random
 import sys
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests"))
 from random_svf import random_svf
 
 REFUSED_IN_TCL = ["hidden", "maximum", "bare-maximum"]

@@ -50,8 +50,9 @@ void convert(const std::string& options, const std::string& file) {
   std::remove("listing");
   std::istringstream words(options + " -o output -i " + file);
   const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
-  const int status = arguments[0] == "-ksvf" ? progmode_svf2ksvf::main_svf2ksvf(arguments)
-                                             : progmode_svf2tapbus::main_svf2tapbus(arguments);
+  const int status = arguments[0] == "-ksvf"
+                         ? tapforge::progmode_svf2ksvf::main_svf2ksvf(arguments)
+                         : tapforge::progmode_svf2tapbus::main_svf2tapbus(arguments);
   std::printf("\nstatus %d\n", status);
   printChecksum("output");
   printChecksum("listing");

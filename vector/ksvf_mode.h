@@ -1,15 +1,20 @@
-#ifndef TAPFORGE_VECTOR_KSVF_VARS_H
-#define TAPFORGE_VECTOR_KSVF_VARS_H
+#ifndef TAPFORGE_VECTOR_KSVF_MODE_H
+#define TAPFORGE_VECTOR_KSVF_MODE_H
 
 #include <cstdint>
 #include <string>
 
-namespace progmode_svf2ksvf {
+#include "io/files.h"
+#include "io/output_file.h"
+#include "io/reporter.h"
+#include "svf/syntax_rules.h"
+
+/// Mode 1, as the shell starts it.
+namespace tapforge::progmode_svf2ksvf {
 
 /// The options of mode 1, with their defaults.
 struct KsvfVars {
   bool iFpgaFormat = false;             // -fpga: long data scans are cut into records
-  bool iSvfCompress = false;            // -nc: accepted; repeats are suppressed all the same
   std::int64_t lFpgaRecSize = -1;       // -rlen: record length in bits; below 0 not given
   std::int64_t lKrepeatVal = 32;        // -r: retries on a TDO mismatch
   bool iInOrder = false;                // -inorder: instruction scans are written at once
@@ -26,8 +31,21 @@ struct KsvfVars {
   std::int64_t g_lMaxLinesToCopy = -1;  // -kmaxsrclines: last line echoed; below 1 all
   std::string g_csVerStr{};             // -ver: a comment at the top of the file
   std::int64_t lGlobTckFreq = -1;       // -tck_freq: Hz; -1 not given
+  bool exact = false;                   // -exact: right, or refused
 };
 
-}  // namespace progmode_svf2ksvf
+/// What mode 1 says and reads differently from mode 0.
+extern const MessageStyle kMessageStyle;
+extern const SyntaxRules kSyntaxRules;
 
-#endif  // TAPFORGE_VECTOR_KSVF_VARS_H
+/// The statement loop: reads the input, whose handle it takes over, to its end and
+/// writes the whole KSVF file, and its listing unless that is null. False when a
+/// keyword was unknown; its statement is then missing in the output.
+bool processSVF(const KsvfVars& vars, InputFile& input, OutputFile& output, OutputFile* listing,
+                Reporter& report);
+
+}  // namespace tapforge::progmode_svf2ksvf
+
+namespace progmode_svf2ksvf = tapforge::progmode_svf2ksvf;
+
+#endif  // TAPFORGE_VECTOR_KSVF_MODE_H
