@@ -141,7 +141,7 @@ void Comparison::compareSettings() {
 
 void Comparison::passSetting(Side& side) {
   if (side.operation.kind == Kind::kFrequency) {
-    side.hertz = side.operation.hertz < 0 ? kAnyHertz : side.operation.hertz;
+    side.hertz = side.operation.hertz > 0 ? side.operation.hertz : kAnyHertz;
     side.frequency = side.text();
     isRateCompared_ = false;
   }

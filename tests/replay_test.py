@@ -281,7 +281,7 @@ def main():
     parser.add_argument("replay")
     parser.add_argument("-files", type=int, default=40)
     parser.add_argument("-first", type=int, default=0)
-    parser.add_argument("-faults", type=int, default=10, help="in each of so many files")
+    parser.add_argument("-faults", type=int, default=5, help="in each of so many files")
     args = parser.parse_args()
     runner = Runner(args.tapforge, args.replay)
     with tempfile.TemporaryDirectory() as folder:
