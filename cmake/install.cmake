@@ -42,5 +42,5 @@ install(FILES README.md CHANGELOG.md DESTINATION ${documents})
 install(DIRECTORY docs DESTINATION ${documents}
         FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
 install(DIRECTORY player DESTINATION ${documents}
-        FILES_MATCHING PATTERN "*.c" PATTERN "*.h")
+        FILES_MATCHING PATTERN "*.c" PATTERN "*.h" PATTERN "*.py")
 install(DIRECTORY examples DESTINATION ${documents})

@@ -29,6 +29,9 @@ void convert(const tapforge::fuzz::InputFile& input) {
   vars.g_lMaxLinesToCopy = option(12) ? 3 : -1;
   if (option(13)) vars.g_csVerStr = "version";
   vars.lGlobTckFreq = option(14) ? -1 : 1000;
+  vars.exact = option(15);
+  if (vars.exact) vars.giUseKwait = vars.iInOrder = vars.iKsvfExt = true;
+  if (vars.iKsvfExt) vars.iOptMinKstateUsage = false;
 
   const Converted converted = toKsvf(input.svf, vars);
   tapforge::fuzz::require(converted.output.substr(0, 2) == "\x07\x20", "KREPEAT stands first");

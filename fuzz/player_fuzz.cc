@@ -1,6 +1,7 @@
 // The player on a board that answers as the input says: no file may crash it,
 // take it past the end of the file or out of step with the TAP, or make it leave
-// data that did not match anywhere but in Pause-DR.
+// data that did not match anywhere but in Pause-DR. A dry run ends like a play, and
+// nothing happens after a stop.
 
 #include <array>
 #include <string_view>
@@ -16,6 +17,8 @@ struct Board {
   const std::uint8_t* file;
   std::size_t size;
   unsigned wrongBits;  // of the answers: none, or the ones where this divides the clock's number
+  std::uint32_t stop;  // this call of a port function, from 1, stops the play
+  std::uint32_t calls = 0;
   std::size_t read = 0;
   bool ended = false;
   unsigned state = 4;
@@ -25,11 +28,17 @@ struct Board {
 
 KsvfPlayer player;
 
+bool stops(Board& board) {
+  require(++board.calls <= board.stop || board.stop == 0, "nothing is called after a stop");
+  return board.calls == board.stop;
+}
+
 }  // namespace
 
 int ksvf_port_read(void* port) {
   auto& board = *static_cast<Board*>(port);
   require(!board.ended, "nothing is read past the end");
+  if (stops(board)) return KSVF_STOP;
   board.ended = board.read == board.size;
   return board.ended ? -1 : board.file[board.read++];
 }
@@ -39,6 +48,8 @@ int ksvf_port_clock(void* port, int tms, int tdi) {
                                                       "67", "48", "12", "a0", "bc", "bc",
                                                       "df", "de", "bf", "12"};
   auto& board = *static_cast<Board*>(port);
+  require(!player.dry, "a dry run moves no pin");
+  if (stops(board)) return KSVF_STOP;
   const char next = kNext[board.state][tms != 0 ? 1 : 0];
   const bool shifts = board.state == 4 || board.state == 11;
   if (board.clocks >= 5) require(player.state == board.state, "the player knows the state");
@@ -55,19 +66,27 @@ int ksvf_port_clock(void* port, int tms, int tdi) {
   return expected != wrong ? 1 : 0;
 }
 
-void ksvf_port_wait(void* port, int tms, std::uint32_t clocks) {
-  const unsigned state = static_cast<Board*>(port)->state;
+int ksvf_port_wait(void* port, int tms, std::uint32_t clocks) {
+  auto& board = *static_cast<Board*>(port);
+  const unsigned state = board.state;
+  require(!player.dry, "a dry run does not wait");
   require(tms != 0 ? state == 0 : state == 1 || state == 6 || state == 13, "a wait stays");
   require(clocks > 0, "an empty wait is none");
+  return stops(board) ? KSVF_STOP : 0;
 }
 
 void ksvf_port_comment(void* /*port*/, int character) {
-  require(character >= 0 && character < 256, "a comment has characters");
+  require(!player.dry && character >= 0 && character < 256, "a comment has characters");
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  Board board{data + 1, size - 1, data[0] / 2U};
+  Board dry{data + 1, size - 1, 0, 0};
+  ksvf_begin_dry(&player, &dry);
+  const KsvfResult checked = ksvf_play(&player);
+  const std::array refused = {player.offset, player.command_offset, player.scan};
+  const unsigned choice = data[0] / 2U;
+  Board board{data + 1, size - 1, choice % 96, choice < 96 ? 0 : (choice - 95) * (choice - 95)};
   ksvf_begin(&player, &board);
   player.wait_after_data_only = data[0] % 2 != 0;
   const KsvfResult result = ksvf_play(&player);
@@ -75,11 +94,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(player.offset == board.read && player.command_offset <= board.read,
           "offsets count bytes");
   require(player.bits <= KSVF_MAX_BITS, "no scan is too long");
-  if (result == KSVF_DONE) return 0;
-  require(player.state != KSVF_DR_SHIFT, "a broken scan does not stay in the shift state");
-  if (result != KSVF_MISMATCH) return 0;
-  require(player.state == KSVF_DR_PAUSE, "data that did not match wait in Pause-DR");
-  require(player.scan > 0 && player.expected != player.seen, "a mismatch has its bit");
-  require(board.wrongBits != 0, "a right answer matches");
+  if (result == KSVF_STOPPED) {
+    require(board.calls == board.stop, "only the port stops");
+    return 0;
+  }
+  if (result == KSVF_MISMATCH) {
+    require(player.state == KSVF_DR_PAUSE, "data that did not match wait in Pause-DR");
+    require(player.scan > 0 && player.wrong_bits > 0, "a mismatch has its bit");
+    require(board.wrongBits != 0, "a right answer matches");
+    return 0;
+  }
+  const bool shifting = player.state == KSVF_DR_SHIFT || player.state == KSVF_IR_SHIFT;
+  require(result == KSVF_DONE || !shifting, "a broken scan does not stay in the shift state");
+  require(checked == result, "a dry run ends like a play");
+  require(refused == std::array{player.offset, player.command_offset, player.scan},
+          "and at the same place");
   return 0;
 }

@@ -42,8 +42,15 @@ void convert(const tapforge::fuzz::InputFile& input) {
   // A long wait in short pieces would fill the memory.
   const bool inPieces = (input.options & 64) != 0 && !hasExponent(input.svf);
   vars.lGlobOptMaxRtiTck = inPieces ? 40000 : std::numeric_limits<std::int64_t>::max();
+  vars.exact = (input.options & 128) != 0;
+  if (vars.exact) vars.iSvfSyntaxCheck = vars.iGlobOutFormat;
   const Converted chosen = toScript(input.svf, vars);
   tapforge::fuzz::require(chosen.good || !chosen.messages.empty(), "a failure says why");
+  if (vars.exact && !vars.iGlobOutFormat && chosen.good) {
+    vars.iInsertWait = vars.lGlobPrintLine = 0;
+    tapforge::fuzz::require(toScript(toScript(input.svf, vars).output, vars).good,
+                            "an exact conversion of exact SVF is not refused");
+  }
 
   const Converted once = toScript(input.svf);
   // A header or trailer statement is written as a comment, which hides what

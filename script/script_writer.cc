@@ -50,7 +50,7 @@ void ScriptWriter::frequency(const Frequency& frequency) {
   sBufStatement_ = words_.remark;
   sBufStatement_ += "FREQUENCY";
   if (vars_.exact && !frequency.asWritten.empty()) {
-    sBufStatement_ += concat(" ", frequency.asWritten, " Hz");
+    sBufStatement_ += concat(" ", frequency.asWritten, " ", frequency.unit);
   } else if (frequency.hertz > 0) {
     sBufStatement_ += concat(" ", truncated(frequency.hertz), " Hz");
   }

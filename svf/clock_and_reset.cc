@@ -16,9 +16,9 @@ TrstMode modeNamed(const FileChannel& channel) {
 }  // namespace
 
 Frequency readFrequency(FileChannel& channel) {
-  Frequency frequency{-1.0F, {}};
+  Frequency frequency{-1.0F, {}, {}};
   if (const Number number = getFloat(channel)) {
-    frequency = {number.asFloat(), channel.numberText()};
+    frequency = {number.asFloat(), channel.numberText(), {}};
     if (!(frequency.hertz > 0)) {
       Reporter& report = channel.report();
       if (channel.rules().exact) report.fatal("-exact: a FREQUENCY that is not above 0");
@@ -26,6 +26,7 @@ Frequency readFrequency(FileChannel& channel) {
       frequency.hertz = -1.0F;
     }
     channel.strSearch("hz");
+    frequency.unit = channel.tokenAsWritten();
   } else {
     if (!channel.is(";")) channel.report().fatal("Incorrect FREQUENCY format");
     channel.unlex();

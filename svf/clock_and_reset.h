@@ -10,6 +10,7 @@ namespace tapforge {
 struct Frequency {
   float hertz;                 // -1 when it is not given, or not above 0
   std::string_view asWritten;  // its number under -exact; good until the next one is read
+  std::string unit;            // as written
 };
 
 /// Reads the rest of a FREQUENCY statement. A frequency that is not above 0 is warned
