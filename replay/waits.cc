@@ -129,7 +129,7 @@ void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
     if (other.wait == wait.wait) return true;
     const WaitPair both{alone(isConverted ? other : wait), alone(isConverted ? wait : other)};
     const WaitPair::Judgement judgement = both.judge(tckHertz_);
-    if (judgement.verdict > Verdict::kRounded) return false;
+    if (judgement.verdict > Verdict::kSame) return false;
     tell(both, judgement);
     return true;
   };
