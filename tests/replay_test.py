@@ -18,7 +18,7 @@ import subprocess
 import tempfile
 from decimal import Decimal
 
-from random_svf import random_svf, way
+from random_svf import FEATURES, random_svf, way
 
 # Features that no conversion of a mode takes: a comment hides what shares its line.
 TCL_REFUSES = "hidden remarks sharing maximum bare-maximum"
@@ -102,6 +102,46 @@ def play(runner, form, seeds):
             more = found - set(allowed.split()) - {"no-scans"}  # some are that short
             message = f"random_svf.py {seed} {3 + seed % 60} {left_out}: {more}\n{report}"
             assert not more, f"tapforge {options}: {message}"
+
+
+# Forms that -exact promises, and statements of all kinds, some of which it has to refuse.
+EXACT = ("", "-s", "-tapbus", "-tapbus -max_rti_tck 99 -linenum 3", "-ksvf", "-ksvf -fpga",
+         "-ksvf -useKSDR -kprintsrc 3")  # fmt: skip
+ODD = r"""RUNTEST 1.5 TCK;|RUNTEST IDLE 32 TCK 2.00E+00 SEC;|RUNTEST DRPAUSE 1E-3 SEC;
+RUNTEST 10 SCK;|STATE DRPAUSE; STATE DRPAUSE;|STATE IRPAUSE IRPAUSE IDLE;
+RUNTEST 4041E-6 SEC ENDSTATE IRPAUSE;
+! C:\work\|! $x [puts x] "y {|! \x1a|HIR 4 TDI (F); SIR 8 TDI (2C);|HDR 3 TDI (5) TDO (2);
+HDR 3 TDI (5) MASK (2);|TDR 2 TDI (1) TDO (1) MASK (1);|TDR 2 TDI (1);|HDR 0;|RUNTEST 1 MS;
+SDR 70 TDI (123456789) TDO (1F) MASK (3F) SMASK (FFFF);|SDR 70 TDI (1);|SDR 12 TDI (1) TDO (0);
+SIR 8 TDI (FF) TDO (12);|SIR 8 TDI ();|TRST ON;|TRST Z;|FREQUENCY 5E5 HZ;|FREQUENCY 33333333.5 HZ;
+ENDIR DRPAUSE;|ENDDR DRPAUSE;|FOO;|RUNTEST 5000000000 TCK;|RUNTEST 1E-13 SEC;|RUNTEST 1E SEC;"""
+
+
+def prove_exact(runner, seeds):
+    """A file is refused with the line of a statement, or what is written does the same."""
+    ends = collections.Counter()
+    for seed in seeds:
+        choice = random.Random(seed)
+        lines = random_svf(seed, choice.choice((1, 10, 40)), choice.sample(
+            sorted(FEATURES), choice.randrange(len(FEATURES)))).splitlines(keepends=True)
+        for odd in choice.sample(re.split(r"[|\n]", ODD), choice.randrange(3)):
+            lines.insert(choice.randrange(len(lines) + 1), f"\n{odd}\n")
+        IN.write_text("".join(lines))
+        options, rate = choice.choice(EXACT), choice.choice(("", RATE, "-tck_freq 1234567"))
+        command = f"{runner.tapforge} -exact {options} {rate} -w -i in.svf -o out".split()
+        done = subprocess.run(command, capture_output=True, text=True)
+        message = f"{seed}: {command}\n{done.stdout}"
+        if done.returncode == 1:
+            assert re.search(r"begins in line \d|no SIR or SDR|EOF", done.stdout), message
+            assert not OUT.exists(), message
+        else:
+            report, found = runner.compare(rate)
+            lost = "frequency reset-line-off maximum-times" if options[:2] not in ("", "-s") else ""
+            less = options == "-s" or "TDO of an SIR" in done.stdout
+            more = found - {*lost.split(), "frequency", *["compared-less"] * less}
+            assert not more, f"{message}{more}\n{report}"
+        ends[done.returncode] += 1
+    return ends
 
 
 # Forms that faults are put into, as "same" the source itself; features that they lose.
@@ -290,6 +330,9 @@ def main():
             first = args.first + i * args.files  # other files for each form
             play(runner, form, range(first, first + args.files))
             print(f"tapforge {form[0]}: {2 * args.files} files differ as they may", flush=True)
+        ends = prove_exact(runner, range(args.first, args.first + 10 * args.files))
+        print(f"tapforge -exact: {ends[0]} files proved, {ends[1]} refused", flush=True)
+        assert min(ends[0], ends[1]) >= args.files, ends
         for options, loses in SPOILED:
             seeds = range(args.first, args.first + args.files)
             seen = find_faults(runner, options, loses, seeds, args.faults)
