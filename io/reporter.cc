@@ -45,7 +45,8 @@ std::string fileErrorText(std::string_view fileName) { return concat(fileName, "
 
 void Reporter::errHandler(Level level, std::string_view text, Where where) {
   const auto place = [&] {
-    return where == Where::input && input_ != nullptr ? input_->positionText() : "";
+    if (input_ == nullptr) return std::string();
+    return where == Where::input ? input_->positionText() : input_->statementText();
   };
   if (!collects_ || level != Level::warning) return message(level, text, place());
   const auto known = std::find_if(kept_.begin(), kept_.end(),
@@ -66,6 +67,7 @@ void Reporter::message(Level level, std::string_view text, std::string_view plac
 }
 
 void Reporter::printFatal(std::string_view text, Where where) {
+  printWarnings();
   errHandler(Level::error, text, where);
   printFinish();
 }
@@ -85,11 +87,15 @@ void Reporter::sendStatus(std::string_view text, StatusStyle style) {
                      style == StatusStyle::wipe ? style_.screenWipe : ""));
 }
 
-void Reporter::printFinish() {
+void Reporter::printWarnings() {
   for (const Kept& warning : std::exchange(kept_, {})) {
     const std::string times = warning.count > 1 ? concat(" (", warning.count, " times)") : "";
     message(Level::warning, concat(warning.text, times), warning.place);
   }
+}
+
+void Reporter::printFinish() {
+  printWarnings();
   const std::time_t t_TimeFinish = showDateTime(style_.finishLabel);
   if (t_TimeStart_ != 0) {
     showElapsedTime(t_TimeFinish);

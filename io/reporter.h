@@ -51,6 +51,9 @@ class InputPosition {
   /// The lines that follow a message's text: file, line number, last item read
   /// and, where the mode shows it, the source line with a caret.
   virtual std::string positionText() = 0;
+  /// A line that follows a message without place: where the statement in hand begins,
+  /// if that is told.
+  virtual std::string statementText() { return {}; }
 };
 
 /// Thrown by every end of a run before its time: an error that has been
@@ -140,6 +143,7 @@ class Reporter {
   virtual void printStatus(std::string_view text);
 
  private:
+  void printWarnings();
   void message(Level level, std::string_view text, std::string_view place);
   void sendStatus(std::string_view text, StatusStyle style);
   void toLog(std::string_view text);

@@ -201,9 +201,9 @@ FileStatus fileStatus(std::FILE* file) {
 bool discardFile(const std::string& name) {
   // Emptied first, since it may have other names.
   FilePtr file = openForWriting(name);
-  if (file == nullptr || !emptyFile(file.get())) return false;
+  const bool emptied = file != nullptr && emptyFile(file.get());
   file.reset();
-  return isLink(name) || removeName(name);
+  return isLink(name) ? emptied : removeName(name);
 }
 
 void preferLargePages([[maybe_unused]] unsigned char* data, [[maybe_unused]] std::size_t size) {

@@ -42,6 +42,9 @@ void Comparison::tell(Difference difference, const std::string& from, const std:
 }
 
 void Comparison::run() {
+  for (const Side* side : {&source_, &converted_}) {
+    if (side->reader.beginsWithReset()) source_.isFresh = converted_.isFresh = false;
+  }
   try {
     source_.next();
     converted_.next();
@@ -97,15 +100,11 @@ void Comparison::takeWait(Side& side) {
 
 void Comparison::compareStates() {
   if (!isRateCompared_) compareRates();
-  const bool isState = source_.kind == converted_.kind;
-  if (isState && source_.state == converted_.state) {
-    waits_.endPlace();
+  waits_.endPlace();
+  if (source_.kind == converted_.kind && source_.state == converted_.state) {
     source_.next();
     converted_.next();
-  } else if (source_.isImplied || converted_.isImplied) {
-    (source_.isImplied ? source_ : converted_).next();
   } else {
-    waits_.endPlace();
     isAway_ = true;
     isMove_ = source_.operation.kind == Kind::kMove || converted_.operation.kind == Kind::kMove;
     source_.detour = source_.text();

@@ -21,8 +21,8 @@ bool Steps::isOwnStep() {
 // A TCK that stays in a stable state is a wait; in a shift state it shifts a bit.
 // Returns false for a reset of a TAP that was reset.
 bool Steps::enter(TapState next) {
-  const bool isStay = !isFresh_ && next == state && isStable(next);
-  isFresh_ = false;
+  const bool isStay = !isFresh && next == state && isStable(next);
+  isFresh = false;
   kind = isStay ? kWait : kMove;
   state = next;
   wait = {.state = next, .clocks = 1};
@@ -30,9 +30,7 @@ bool Steps::enter(TapState next) {
 }
 
 void Steps::next() {
-  isImplied = isFresh_ && reader.beginsWithReset();
-  isFresh_ = isFresh_ && !isImplied;
-  for (bool isStep = isImplied; !isStep; ++at_) {
+  for (bool isStep = false; !isStep; ++at_) {
     if (at_ == count_) {
       isReading = true;
       reader.next(operation);

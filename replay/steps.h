@@ -27,7 +27,7 @@ class Steps {
   Operation::Kind kind = Operation::Kind::kMove;
   TapState state = TapState::kReset;  ///< entered last
   Wait wait;
-  bool isImplied = false;   ///< a reset that the file does not say
+  bool isFresh = true;      ///< no state was entered, so that a reset is a step
   bool isReading = false;   ///< the reader threw
   std::uint64_t scans = 0;  ///< up to this step
   std::uint64_t waits = 0;  ///< the same, of those that the file says
@@ -36,7 +36,6 @@ class Steps {
   bool isOwnStep();
   bool enter(TapState next);
 
-  bool isFresh_ = true;     // no state was entered
   std::size_t at_ = 0;      // of the steps of the operation
   std::size_t before_ = 0;  // of these enter states before its own one,
   std::size_t count_ = 0;   // and so many there are

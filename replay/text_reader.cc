@@ -215,11 +215,11 @@ std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
   for (std::size_t at = 0; (at = ahead.find_first_not_of(" \t\r\n")) != ahead.npos;) {
     ahead.remove_prefix(at);
     const std::string_view word = ahead.substr(0, ahead.find_first_of(" \t\r\n"));
+    const bool isComment = word.starts_with('!') || word.starts_with("//");
     // No word of SVF has a "_", but those of Tcl have one.
-    if (word.starts_with('#') || word == "puts" || word.find('_') != word.npos) {
-      return makeTclReader(input);
-    }
-    if (!word.starts_with('!') && !word.starts_with("//")) break;
+    const bool isTcl = word.starts_with('#') || word == "puts" || word.find('_') != word.npos;
+    if (isTcl && !isComment) return makeTclReader(input);
+    if (!isComment) break;
     ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size()));
   }
   return makeSvfReader(input);

@@ -37,9 +37,10 @@ void ExactRules::runTestPart(const RunTestPart& part) {
       }
       break;
     case Kind::minTime:
+      if (saysAll()) break;
       if (tckFreq_ > 0) {
         clocks_ = std::max(clocks_, clocksOf(number, tckFreq_));
-      } else if (!saysAll()) {
+      } else {
         refuse(concat("a time becomes clocks in ", form_, ", which needs -tck_freq"));
       }
       timeConverted_ = true;
@@ -71,7 +72,10 @@ void ExactRules::frequency(const Frequency& frequency) {
   if (frequency.asWritten.empty()) return;
   const auto hertz = exactProduct(frequency.asWritten, 1);
   const std::int64_t whole = hertz ? hertz->whole : kNone;
-  lowestFrequency_ = std::min(lowestFrequency_, whole);
+  if (whole < lowestFrequency_) {
+    lowestFrequency_ = whole;
+    lowestAsWritten_ = frequency.asWritten;
+  }
   if (saysAll() || tckFreq_ <= whole) return;
   refuse(concat(form_, " has no FREQUENCY, and this one is below -tck_freq: ",
                 whole > 0 ? concat("use -tck_freq ", whole, " or less") : "no TCK is low enough"));
@@ -94,7 +98,7 @@ void ExactRules::endOfSource() {
   Reporter& report = channel_.report();
   if (!scanSeen_) report.fatal("-exact: the source has no SIR or SDR", Where::nowhere);
   if (saysAll() || timeConverted_ || lowestFrequency_ == kNone) return;
-  report.note(concat("May be played at a TCK of at most ", lowestFrequency_, " Hz (FREQUENCY)"),
+  report.note(concat("May be played at a TCK of at most ", lowestAsWritten_, " Hz (FREQUENCY)"),
               Where::nowhere);
 }
 

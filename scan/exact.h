@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 #include <string_view>
 
 #include "scan/tap_obj.h"
@@ -29,8 +30,8 @@ class ExactRules {
   /// One part of a RUNTEST. A run state is also the end state until another is given.
   void runTestPart(const RunTestPart& part);
   /// The wait of the RUNTEST whose last part was given: the larger of its count and its
-  /// minimum time, in TCKs, in tap.iRunState, then to tap.iRunEndState. 0 where the form
-  /// keeps times and -tck_freq was not given.
+  /// minimum time, in TCKs, in tap.iRunState, then to tap.iRunEndState. Where the form keeps
+  /// times it is the count alone.
   std::int64_t endRunTest();
 
   void frequency(const Frequency& frequency);
@@ -55,6 +56,7 @@ class ExactRules {
   bool timeConverted_ = false;
   static constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
   std::int64_t lowestFrequency_ = kNone;  // Hz, without its fraction
+  std::string lowestAsWritten_;
   // Of the RUNTEST being read, in TCKs.
   std::int64_t clocks_ = 0;
   std::int64_t mostClocks_ = kNone;  // its MAXIMUM

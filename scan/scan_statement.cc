@@ -168,7 +168,6 @@ bool readTapData(Keyword keyword, CTapObj& tap, FileChannel& channel) {
   if (length < 1) {
     if (shiftsData(keyword)) channel.report().fatal("Data length must be > 0");
     if (channel.rules().exact) {
-      if (length < 0) channel.report().fatal("Expected positive number");
       skipValues(channel);
     } else {
       channel.skipUntil(";");

@@ -28,8 +28,10 @@ class ScriptLoop {
   bool processSVF() {
     bool allKnown = true;
     while (channel_.lexKeyword()) {
+      channel_.beginStatement();
       markLine();
       allKnown = doStatement(channel_, *this) && allKnown;
+      channel_.endStatement();
     }
     if (exact_) exact_->endOfSource();
     return allKnown;
@@ -58,9 +60,9 @@ class ScriptLoop {
       if (writer_->waitsInClocks()) {
         return writer_->exactWait(pGlobTapData_.iRunState, pGlobTapData_.iRunEndState, clocks);
       }
-      numbers.fRunCount = -1;  // judged by endRunTest(), at the rate of -tck_freq
+    } else {
+      checkRunTest(numbers, pGlobTapData_.fTckFreq, channel_.report());
     }
-    checkRunTest(numbers, pGlobTapData_.fTckFreq, channel_.report());
     writer_->endRunTest();
     writer_->writeStatement(channel_.lineRest());
   }
@@ -132,7 +134,7 @@ class ScriptLoop {
   // Marks every lGlobPrintLine-th line.
   void markLine() {
     if (vars_.lGlobPrintLine <= 0) return;
-    const std::int64_t line = channel_.lineNumber();
+    const std::int64_t line = exact_ ? channel_.statementLine() : channel_.lineNumber();
     if (line % vars_.lGlobPrintLine == 0) writer_->lineMarker(line);
   }
 

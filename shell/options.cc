@@ -99,6 +99,10 @@ void beginExact(const ArgCursor& args, std::initializer_list<std::string_view> r
     if (!args.seen(name)) continue;
     exitUsage(concat(files.report.style().toolName, ": -exact does not go with -", name, "\n"));
   }
+  if (!args.atEnd()) {
+    exitUsage(concat(files.report.style().toolName, ": -exact: the options end at [",
+                     args.rest().front(), "]\n"));
+  }
   files.removesUnfinished = true;
   files.report.collectWarnings();
 }

@@ -30,6 +30,8 @@ class ArgCursor {
   /// The next argument if it does not begin with "-".
   std::optional<std::string> fileName();
   bool atEnd() const { return next_ == arguments_.size(); }
+  /// The arguments that are left.
+  std::span<const std::string> rest() const { return arguments_.subspan(next_); }
   /// Whether a "-i" anywhere has standard input among the names after it.
   bool namesStandardInput() const;
   /// Whether option() has given this name.
@@ -151,7 +153,8 @@ std::optional<std::string> walkOptions(ArgCursor& args, std::span<const Option<V
 /// Ends the run with status 1 after printing the text on standard error.
 [[noreturn]] void exitUsage(std::string_view text);
 
-/// -exact: wrong usage with any of these options. Sets what else it needs of a run.
+/// -exact: wrong usage with any of these options, or with arguments left over. Sets what
+/// else it needs of a run.
 void beginExact(const ArgCursor& args, std::initializer_list<std::string_view> refused,
                 RunFiles& files);
 

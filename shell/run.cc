@@ -73,10 +73,10 @@ void RunFiles::discardUnfinished() {
     if (*output == nullptr || fileStatus((*output)->name()).kind != FileKind::regular) continue;
     const std::string& name = (*output)->name();
     const bool gone = discardFile(name);
-    const std::string_view what = !gone              ? "] is unfinished and stays"
-                                  : fileExists(name) ? "] is unfinished and was emptied"
-                                                     : "] is unfinished and was removed";
-    report.errHandler(gone ? Level::note : Level::error, concat("[", name, what), Where::nowhere);
+    const std::string_view what = !gone              ? "The run failed, but this stays: ["
+                                  : fileExists(name) ? "The run failed, so this is emptied: ["
+                                                     : "The run failed, so this is removed: [";
+    report.errHandler(gone ? Level::note : Level::error, concat(what, name, "]"), Where::nowhere);
   }
 }
 
@@ -110,7 +110,8 @@ int runProgram(RunFiles& files, const std::function<bool()>& conversion) {
   } catch (const std::bad_alloc&) {
     report.printFatal("Null Ptr [memory]", Where::nowhere);
   }
-  bool whole = true;
+  // Messages that nobody can see are a failure too, which main() tells.
+  bool whole = !files.removesUnfinished || (std::fflush(stdout) == 0 && std::ferror(stdout) == 0);
   const auto close = [&](OutputFile& file) {
     try {
       file.close();

@@ -62,6 +62,10 @@ void getCmdOptions(std::span<const std::string> arguments, ScriptVars& vars, Run
                      *unknown, "]\n"));
   }
   if (!files.pFC_Input.empty() && files.pFC_Output != nullptr) {
+    // Behind an argument that is none it would be ignored without a word.
+    for (const std::string& argument : args.rest()) {
+      vars.exact = vars.exact || argument == "-exact" || argument == "-EXACT";
+    }
     if (vars.exact && vars.iGlobOutFormat) {
       beginExact(args, {"wait"}, files);
       vars.iSvfSyntaxCheck = true;

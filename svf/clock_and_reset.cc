@@ -19,10 +19,13 @@ Frequency readFrequency(FileChannel& channel) {
   Frequency frequency{-1.0F, {}, {}};
   if (const Number number = getFloat(channel)) {
     frequency = {number.asFloat(), channel.numberText(), {}};
-    if (!(frequency.hertz > 0)) {
-      Reporter& report = channel.report();
-      if (channel.rules().exact) report.fatal("-exact: a FREQUENCY that is not above 0");
-      report.warning("Only positive real numbers allowed; TCK set to system default");
+    if (channel.rules().exact) {
+      const auto hertz = exactProduct(frequency.asWritten, 1);
+      if (hertz && hertz->whole == 0 && !hertz->hasFraction) {
+        channel.report().fatal("-exact: a FREQUENCY that is not above 0");
+      }
+    } else if (!(frequency.hertz > 0)) {
+      channel.report().warning("Only positive real numbers allowed; TCK set to system default");
       frequency.hertz = -1.0F;
     }
     channel.strSearch("hz");

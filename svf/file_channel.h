@@ -142,11 +142,15 @@ class FileChannel final : public InputPosition {
 
   /// The number of the line that was read last; the first one is 1.
   std::int64_t lineNumber();
-  /// The current token begins a statement: under -exact messages tell its line.
+  /// Under -exact messages tell the line of the statement that the current token begins,
+  /// until it ends.
   void beginStatement() {
     if (rules_.exact) noteStatement();
   }
+  void endStatement() { statementLine_ = 0; }
+  std::int64_t statementLine() const { return statementLine_; }
   std::string positionText() override;
+  std::string statementText() override;
 
   /// What follows a statement on its source line.
   struct LineRest {

@@ -56,7 +56,6 @@ bool skipUnknown(FileChannel& channel);
 /// reads the rest. False when the keyword is unknown, and its statement left out.
 template <typename Mode>
 bool doStatement(FileChannel& channel, Mode& mode) {
-  channel.beginStatement();
   const Keyword keyword = keywordOf(channel);
   switch (keyword) {
     case Keyword::hir:

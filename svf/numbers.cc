@@ -114,6 +114,12 @@ Number getExact(FileChannel& channel) {
     channel.report().fatal(
         concat("-exact: [", text, "] is no digits[.digits][E[+|-]digits] in one piece"));
   }
+  const double value = std::strtod(text.c_str(), nullptr);
+  const auto product = exactProduct(text, 1);
+  const bool isZero = product && product->whole == 0 && !product->hasFraction;
+  if (value > 0x1p53 || (value < std::numeric_limits<double>::min() && !isZero)) {
+    channel.report().fatal(concat("-exact: [", text, "] is too large or too small"));
+  }
   return real(text);
 }
 
@@ -149,6 +155,12 @@ std::int64_t lGetLong(Sign sign, FileChannel& channel) {
     if (sign == Sign::nonNegative) channel.report().fatal("Expected positive number");
   }
   if (channel.type() != TokenType::number) channel.report().fatal("Number expected");
+  if (channel.rules().exact) {
+    // A number can have characters in it that are neither digits nor end it.
+    const std::string_view text = channel.tokenAsWritten();
+    if (leadingDigits(text) != text.size()) channel.report().fatal("Number expected");
+    if (negative) channel.report().fatal("Expected positive number");
+  }
   return negative ? -channel.number() : channel.number();
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "io/text.h"
 #include "svf/char_class.h"
 #include "svf/file_channel.h"
 
@@ -131,6 +132,10 @@ SourcePlace FileChannel::place() {
     place.sLastItem = " ";
   }
   return place;
+}
+
+std::string FileChannel::statementText() {
+  return statementLine_ > 0 ? concat("\n", kStatementLine, statementLine_) : "";
 }
 
 std::string FileChannel::positionText() { return rules_.positionText(place()); }

@@ -24,7 +24,8 @@ TapState readStatePath(TapState start, FileChannel& channel,
                        const std::function<void(const PathStep&)>& take) {
   Reporter& report = channel.report();
   TapState from = start;
-  for (bool first = true; !channel.lexIs(";"); first = false) {
+  bool first = true;
+  for (; !channel.lexIs(";"); first = false) {
     const TapState state = checkTapState(StateUse::path, "invalid path/stable state", channel);
     const bool oneClock = from == TapState::unknown || checkTapPath(from, state);
     if (!oneClock && first) checkTapState(StateUse::stable, "invalid stable state", channel);
@@ -36,6 +37,7 @@ TapState readStatePath(TapState start, FileChannel& channel,
     take({from, state, oneClock, channel.tokenAsWritten()});
     from = state;
   }
+  if (first && channel.rules().exact) report.fatal("-exact: a STATE without a state");
   if (from == TapState::unknown) report.warning("GTSN: TAPstate ?", Where::nowhere);
   if (!isStable(from)) {
     report.fatal(

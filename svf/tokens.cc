@@ -179,7 +179,7 @@ bool FileChannel::takeSlash(const unsigned char* start) {
   // A comment is read from the segment of the line that holds its second "/". When
   // the line is cut before that one, the comment begins at -1 of the segment: fatal.
   const bool segmentEnds = endsSegment(start + 1);
-  if (another && segmentEnds) {
+  if (another && segmentEnds && !rules_.exact) {
     const auto length = static_cast<std::int64_t>(getSrcLine(offsetOf(start + 1)).size());
     report_.fatal(concat("[skCm] range[0 <= -1 <= ", length, "]"), Where::nowhere);
   }

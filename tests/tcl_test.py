@@ -62,7 +62,7 @@ class Scripts(unittest.TestCase):
                 if "PIO" in source:
                     continue
                 # Comments that would stop a shell, or be run by it.
-                odd = example.read_text().replace(";", ";! $x [exit] \"{ \x1a\\\n")
+                odd = example.read_text().replace(";\n", ";! $x [exit] \"{ \x1a\\\n")
                 with tempfile.NamedTemporaryFile("w", suffix=".svf") as file:
                     print(odd, file=file, flush=True)
                     options = ("-exact", "-max_rti_tck", "1000000", "-tck_freq", "1000000")

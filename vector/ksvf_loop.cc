@@ -43,7 +43,9 @@ class KsvfLoop final : private CommentSink {
     }
     bool allKnown = true;
     for (channel_.resetSrcLineBuf(); channel_.lexKeyword(); channel_.resetSrcLineBuf()) {
+      channel_.beginStatement();
       allKnown = doStatement(channel_, *this) && allKnown;
+      channel_.endStatement();
     }
     scans_.writePending(StaleCount::cancel);
     commands_.write(Command::KCOMPLETE);
@@ -231,6 +233,7 @@ class KsvfLoop final : private CommentSink {
     rules.exact = true;
     rules.lineEnds = LineEnds::lineFeedOrReturn;
     rules.timesBecomeCounts = false;
+    rules.endOfFileHasPosition = true;
     return rules;
   }
 
