@@ -32,8 +32,8 @@ import argparse, concurrent.futures, difflib, os, pathlib, re, shutil, subproces
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EXAMPLE = re.compile(r"(?m)^(?:<!-- needs (\w+) -->\n\n)?( {4}.*\n(?:\n* {4}.*\n)*)")
-TERMINAL = re.compile(r"(?ms)^(?:\.\\\" needs (\w+)\n)?(?:```console|\.Bd -literal[^\n]*)\n(.*?)"
-                      r"^(?:```|\.Ed)")
+TERMINAL = re.compile(r"(?ms)^(?:(?:\.\\\"|<!--) needs (\w+)(?: -->\n)?\n)?"
+                      r"(?:```console|\.Bd -literal[^\n]*)\n(.*?)^(?:```|\.Ed)")
 INPUT = re.compile(r"(?m)^(\S.*):(?: empty)?\n((?:  .*\n|\n)*)")
 COMMAND = re.compile(r"[^\n]*\n(?:> [^\n]*\n)*")
 LINK = re.compile(r"\]\((?!\w+:)([^)#]*)#?([^)]*)\)")
