@@ -19,8 +19,8 @@ _tapforge_replay() {
       ;;
   esac
   if [[ $cur == -* && $prev != -vcd ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "-allow --help -scan -strict -tck_freq -v2 -vcd --version
-      -width" -- "$cur")
+    mapfile -t COMPREPLY < <(compgen -W "-allow --help -scan -strict -summary -tck_freq -v2 -vcd
+      --version -w -width" -- "$cur")
     return
   fi
   compopt -o filenames 2>/dev/null

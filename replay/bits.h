@@ -28,10 +28,6 @@ class Bits {
     words_.clear();
     size_ = 0;
   }
-  void assign(std::size_t size, bool value) {
-    clear();
-    append(size, value);
-  }
 
   /// Adds bits behind the last one: the lowest `count` (up to 64) of a word, as
   /// many of one value, or another row.

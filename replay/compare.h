@@ -1,12 +1,10 @@
 #ifndef TAPFORGE_REPLAY_COMPARE_H_
 #define TAPFORGE_REPLAY_COMPARE_H_
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "replay/findings.h"
-#include "replay/operation.h"
+#include "replay/steps.h"
 #include "replay/waits.h"
 
 namespace tapforge_replay {
@@ -15,13 +13,10 @@ namespace tapforge_replay {
 /// the devices differs. Memory grows with the longest scan, not with the files.
 class Comparison {
  public:
-  /// The readers are borrowed. `tckHertz` is the rate of times that became
-  /// clocks, 0 if not known.
+  /// The readers are borrowed. `tckHertz` is the rate at which the board clocks, 0 if
+  /// it is not known.
   Comparison(Reader& source, Reader& converted, double tckHertz)
-      : source_{source},
-        converted_{converted},
-        rate_(tckHertz),
-        waits_(rate_, findings_, converted.form().ends_with("Tcl")) {}
+      : source_(source), converted_(converted), tckHertz_{tckHertz}, waits_{tckHertz, findings_} {}
 
   /// Throws Fault when a file cannot be read or played.
   void run();
@@ -31,64 +26,36 @@ class Comparison {
   const Findings& findings() const { return findings_; }
 
  private:
-  // TRST, FREQUENCY or PIO.
-  struct Setting {
-    Operation::Kind kind;
-    std::string value;
-    Place place;
-    double hertz = 0;
+  struct Side : Steps {
+    using Steps::Steps;
+    double hertz = kAnyHertz;          // the FREQUENCY in force,
+    std::string frequency = kNowhere;  // and where it is set
+    std::string detour;                // where the states begin to differ
+
+    std::string text() const;  // place and text of the operation
   };
+  static constexpr const char* kNowhere = "(none)";
 
-  // What a file does between two scans.
-  struct Gap {
-    struct Origin {
-      std::size_t position = 0;  // of its first state in the walk
-      Operation::Kind kind = Operation::Kind::kEnd;
-      Place place;
-    };
-
-    std::vector<TapState>
-        walk;  // one after the other, a stable state once where the TAP stays in it
-    std::vector<Origin> origins;
-    std::vector<PlacedWait> waits;
-    std::vector<Setting> settings;
-
-    void begin(const Operation& operation);
-    void enter(const std::vector<TapState>& states);
-    void wait(const Wait& wait, const Place& place);
-    void clear();
-    const Origin* originOf(std::size_t position) const;  // null: the start of the file
-  };
-
-  struct Side {
-    Reader& reader;
-    Operation operation{};
-    Gap gap{};
-    bool atScan = false;
-    bool ended = false;
-    Place scan{};  // the last one
-    std::uint64_t scans = 0;
-
-    void readGap();  // to the next scan, to the end, or until there is much
-    bool inGap() const { return !atScan && !ended; }
-    void passScan();
-  };
-
-  void compareGaps();
-  void compareWalks();
-  void compareSettings(Operation::Kind kind, Difference difference);
+  void compareGap();  // all up to the next scans
+  void takeWait(Side& side);
+  void compareStates();
+  void compareSettings();
+  void passSetting(Side& side);
+  void compareRates();
   bool compareScans();  // false: there is no sense in going on
-  void endAtDifferentScan(const std::string& text);
-  void countRest(Side& side);
-  std::string where() const;  // both places of the present scan
+  void compareBits();
+  void tell(Difference difference, const std::string& from, const std::string& to);
+  std::string rateText() const;
 
   Side source_;
   Side converted_;
-  ClockRate rate_;
+  double tckHertz_;
   Findings findings_;
   WaitComparison waits_;
-  bool stopped_ = false;
-  bool resetUsed_ = false;  // a TRST ON was met
+  bool isResetUsed_ = false;     // a TRST ON was met
+  bool isRateCompared_ = false;  // since the last FREQUENCY
+  bool isAway_ = false;          // the states differ, up to the next scans
+  bool isMove_ = false;          // ... and that began with a move
 };
 
 }  // namespace tapforge_replay

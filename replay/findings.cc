@@ -4,23 +4,31 @@ namespace tapforge_replay {
 namespace {
 
 // clang-format off
+constexpr bool kFatal = true;
+constexpr bool kHarmless = true;
 constexpr std::array<DifferenceRule, kDifferenceCount> kRules = {{
-    {"scans", "scans that differ", false},
-    {"care", "TDI bits that the source fixes and SMASK now leaves open", false},
-    {"shorter-waits", "waits that are shorter", false},
-    {"lost-waits", "waits that are lost", false},
-    {"moved-waits", "waits in another state, by another clock, in parts or after another scan", false},
-    {"longer-waits", "waits that are longer or new", true},
-    {"compared-less", "scans that compare less", true},
-    {"compared-more", "scans that compare more", true},
-    {"state-moves", "state moves that differ", false},
-    {"end-states", "scans or waits that end in another state", false},
-    {"reset-line", "settings of the reset line (TRST) left out or changed", false},
-    {"parallel-io", "statements of parallel I/O left out or changed", false},
-    {"shared-lines", "commands on the line of another one, an error for a Tcl shell", false},
-    {"reset-line-off", "settings of it to OFF or Z, before any ON, left out or changed", true},
-    {"frequency", "settings of the TCK frequency left out or changed", true},
-    {"maximum-times", "maximum times of waits left out or changed", true},
+    {"scans", "scans that differ", kFatal},
+    {"not-playable", "what no player or Tcl shell takes as it is meant", kFatal},
+    {"no-scans", "a source without any scan, which proves nothing"},
+    {"care", "TDI bits that the source fixes and SMASK now leaves open"},
+    {"compared-less", "scans that compare less", !kFatal, kHarmless},
+    {"compared-more", "scans that compare more", !kFatal, kHarmless},
+    {"unknown-rate", "waits that are long enough at some rates of TCK only"},
+    {"shorter-waits", "waits that are shorter"},
+    {"lost-waits", "waits that are lost"},
+    {"moved-waits", "waits at another place, in another state, by another clock or in parts"},
+    {"rounded-waits", "waits shorter by the rounding of their times"},
+    {"longer-waits", "waits that are longer or new", !kFatal, kHarmless},
+    {"beyond-maximum", "waits longer than their MAXIMUM, or with a new one"},
+    {"maximum-times", "maximum times of waits left out or changed", !kFatal, kHarmless},
+    {"state-moves", "state moves that differ"},
+    {"end-states", "scans or waits that end in another state"},
+    {"reset-line", "settings of the reset line (TRST) left out or changed"},
+    {"reset-line-off", "settings of it to OFF or Z, before any ON, left out or changed",
+     !kFatal, kHarmless},
+    {"parallel-io", "statements of parallel I/O left out or changed"},
+    {"too-fast", "TCK faster than the source's FREQUENCY"},
+    {"frequency", "a FREQUENCY left out or lowered", !kFatal, kHarmless},
 }};
 // clang-format on
 
@@ -31,10 +39,23 @@ const DifferenceRule& ruleOf(Difference difference) {
 }
 
 std::optional<Difference> findDifference(std::string_view name) {
-  for (std::size_t i = 1; i < kDifferenceCount; ++i) {  // a scan that differs is never allowed
-    if (kRules[i].name == name) return static_cast<Difference>(i);
+  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
+    if (kRules[i].name == name && !kRules[i].fatal) return static_cast<Difference>(i);
   }
   return std::nullopt;
+}
+
+std::string Findings::text() const {
+  std::string text;
+  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
+    const Entry& entry = entries_[i];
+    if (entry.count == 0) continue;
+    text.append(kRules[i].name).append(": ").append(std::to_string(entry.count));
+    text.append(" (").append(kRules[i].meaning).append(")\n");
+    text.append("  first: ").append(entry.first).append("\n");
+    if (!entry.largest.empty()) text.append("  largest: ").append(entry.largest).append("\n");
+  }
+  return text;
 }
 
 }  // namespace tapforge_replay

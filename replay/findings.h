@@ -9,34 +9,25 @@
 
 namespace tapforge_replay {
 
-/// Ways in which a converted file can differ from its source.
+/// Ways in which a converted file can differ from its source: in its scans, its waits,
+/// its states, its settings.
+// clang-format off
 enum class Difference {
-  kScans,
-  kCare,
-  kShorterWaits,
-  kLostWaits,
-  kMovedWaits,
-  kLongerWaits,
-  kComparedLess,
-  kComparedMore,
-  kStateMoves,
-  kEndStates,
-  kResetLine,
-  kParallelIo,
-  kSharedLines,
-  kResetLineOff,
-  kFrequency,
-  kMaximumTimes,
-  kCount,
+  kScans, kNotPlayable, kNoScans, kCare, kComparedLess, kComparedMore,
+  kUnknownRate, kShorterWaits, kLostWaits, kMovedWaits, kRoundedWaits, kLongerWaits,
+  kBeyondMaximum, kMaximumTimes, kStateMoves, kEndStates, kResetLine, kResetLineOff,
+  kParallelIo, kTooFast, kFrequency, kCount
 };
+// clang-format on
 constexpr std::size_t kDifferenceCount = static_cast<std::size_t>(Difference::kCount);
 
-/// What is said about a difference. `harmless` ones leave the exit status alone:
-/// the devices get the same and no wait is shorter.
+/// What is said about a difference. `fatal` ones cannot be allowed. `harmless` ones
+/// leave the exit status alone: the devices get the same and no wait is shorter.
 struct DifferenceRule {
   std::string_view name;
   std::string_view meaning;
-  bool harmless;
+  bool fatal = false;
+  bool harmless = false;
 };
 const DifferenceRule& ruleOf(Difference difference);
 
@@ -69,6 +60,9 @@ class Findings {
   const Entry& operator[](Difference difference) const {
     return entries_[static_cast<std::size_t>(difference)];
   }
+
+  /// Some lines on each difference that was found, for people.
+  std::string text() const;
 
  private:
   std::array<Entry, kDifferenceCount> entries_;

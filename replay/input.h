@@ -14,7 +14,8 @@ namespace tapforge_replay {
 /// A file read once from front to back, a block at a time. Pipes will do.
 class Input {
  public:
-  /// Throws Fault when the file cannot be opened; reading may throw it too.
+  /// "-" is standard input. Throws Fault when the file cannot be opened; reading may
+  /// throw it too.
   explicit Input(std::string path);
 
   const std::string& path() const { return path_; }
@@ -34,6 +35,14 @@ class Input {
   }
   void skip(std::size_t count) { at_ += count; }
 
+  /// Begins a text that is kept beyond its block: the first 4096 characters from here.
+  void mark() {
+    mark_ = at_;
+    kept_.clear();
+  }
+  /// The kept characters up to the present place.
+  std::string marked() const;
+
   /// Bytes read.
   std::uint64_t offset() const {
     return blockOffset_ + static_cast<std::uint64_t>(at_ - block_.data());
@@ -52,6 +61,8 @@ class Input {
   std::vector<char> block_;
   const char* at_ = nullptr;
   const char* end_ = nullptr;
+  const char* mark_ = nullptr;
+  std::string kept_;  // from the mark to the beginning of the block
   std::uint64_t blockOffset_ = 0;
   std::uint64_t size_ = 0;
 };

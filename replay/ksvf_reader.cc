@@ -34,6 +34,8 @@ class KsvfReader final : public Reader {
   }
 
   std::string_view form() const override { return "KSVF"; }
+  bool beginsWithReset() const override { return true; }
+  std::size_t longestVector() const override { return longest_; }
 
   void next(Operation& operation) override {
     while (taken_ == ready_ && player_->result == KSVF_PLAYING) step();
@@ -42,7 +44,7 @@ class KsvfReader final : public Reader {
       return;
     }
     operation.kind = Kind::kEnd;
-    operation.place = {0, input_.offset(), input_.offset()};
+    operation.place = {0, input_.offset()};
   }
 
   int read() { return input_.get(); }
@@ -86,10 +88,10 @@ class KsvfReader final : public Reader {
     ready_ = taken_ = 0;
     if (!scanning_) place_.offset = input_.offset();
     ksvf_step(player_.get());
-    place_.end = input_.offset();
+    longest_ = std::max<std::uint32_t>({longest_, player_->bits, player_->data_bits});
     if (player_->result > KSVF_DONE) fail();
     if (player_->result == KSVF_DONE && input_.peek() >= 0) {
-      throw Fault(input_.path() + ": byte " + std::to_string(place_.end) +
+      throw Fault(input_.path() + ": byte " + std::to_string(input_.offset()) +
                   ": something follows KCOMPLETE");
     }
     if (scanning_) return;  // records are still to come
@@ -111,7 +113,7 @@ class KsvfReader final : public Reader {
         "the player finds a difference",
         "no KSVF command has this code",
         "a command that may not stand here",
-        "a state that the command does not know",
+        "an operand that the command cannot have",
         "a scan of more than 1 Gibit",
         "the file ends before KCOMPLETE",
     };
@@ -183,7 +185,7 @@ class KsvfReader final : public Reader {
     for (std::uint32_t i = 0; i * 8 < filled_; ++i) {
       mask |= std::uint64_t{ksvf_mask_byte(player_.get(), first + i)} << 8 * i;
     }
-    if (mask == 0) {  // most long scans compare nothing, and then need no room for it
+    if ((mask | expected_) == 0) {  // most long scans compare nothing, and then need no room
       uncompared_ += filled_;
     } else {
       catchUp();
@@ -237,6 +239,7 @@ class KsvfReader final : public Reader {
   std::uint32_t filled_ = 0;    // bits of such a word
   std::uint32_t room_ = 0;      // bits still to come for it
   std::uint32_t left_ = 0;      // bits of the record from this word on
+  std::uint32_t longest_ = 0;   // bits of a scan or record
   std::size_t uncompared_ = 0;  // bits that tdo_ and mask_ lag behind tdi_
 };
 

@@ -6,9 +6,12 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <functional>
+#include <map>
 #include <new>
 #include <optional>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +19,7 @@
 #include "replay/compare.h"
 #include "replay/fault.h"
 #include "replay/list.h"
+#include "replay/summary.h"
 #include "replay/system.h"
 #include "replay/text_reader.h"
 #include "replay/vcd.h"
@@ -34,18 +38,24 @@ tapforge-replay [option ...] FILE            list the operations, one a line
 tapforge-replay [option ...] SOURCE CONVERTED
                                              say how the second differs from the first
 
+A FILE of - is standard input.
+
 -scan N           only scan N: where it stands, and the text of its statement
+-summary          how many scans, clocks and waits, and how long they take
+-vcd PINS         write the pins to PINS for a waveform viewer, and list when scans begin
+-w                let -vcd replace a file
 -width N          cut the lines of a list after N characters
--vcd PINS         write the pins to PINS for a waveform viewer, and no list
 -strict           any difference gives status 1
 -allow CLASS,...  these differences do not give status 1
--tck_freq N       Hz by which times became clocks (default: as the waits show)
+-tck_freq N       Hz at which the board clocks (default: the source's FREQUENCY)
 -v2               KSVF waits after data scans only, as players of version 2 do
 -h, --help        this text
 --version         the version
+--                what follows is no option
 
 Status: 0 the same for the devices, and no wait is shorter; 1 it is not; 2 a file
-cannot be read or played. Classes of difference, those with * give status 1:
+cannot be read or played. Classes of difference: those with * give status 1 unless they
+are allowed, those with ! always.
 )";
 
 struct Options {
@@ -53,86 +63,86 @@ struct Options {
   std::uint64_t scan = 0;
   std::size_t width = std::string::npos;
   std::string vcd;
+  bool overwrite = false;
+  bool summary = false;
   bool strict = false;
   std::set<Difference> allowed;
   double tckHertz = 0;
   bool dataWaits = false;
-  bool help = false;
-  bool version = false;
+  std::string text;  // to be shown in place of a file
 };
 
-std::uint64_t numberOf(std::string_view option, std::string_view text) {
-  std::uint64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || number == 0) {
-    throw Fault("-" + std::string(option) + " needs a number above 0, not \"" + std::string(text) +
-                "\"");
-  }
-  return number;
-}
-
-void allow(std::string_view names, Options& options) {
-  while (!names.empty()) {
-    const std::string_view name = names.substr(0, names.find(','));
+void allow(const std::string& names, Options& options) {
+  std::istringstream stream(names);
+  for (std::string name; std::getline(stream, name, ',');) {
     const auto difference = findDifference(name);
-    if (!difference) throw Fault("-allow does not know \"" + std::string(name) + "\"; see --help");
+    if (!difference) throw Fault("-allow cannot take the class \"" + name + "\"; see --help");
     options.allowed.insert(*difference);
-    names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
-}
-
-Options parse(const std::vector<std::string>& arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    std::string_view name = arguments[i];
-    if (!name.starts_with('-') || name == "-") {
-      options.files.push_back(arguments[i]);
-      continue;
-    }
-    name.remove_prefix(name.starts_with("--") ? 2 : 1);
-    const auto value = [&]() -> const std::string& {
-      if (++i == arguments.size()) throw Fault("-" + std::string(name) + " needs a value");
-      return arguments[i];
-    };
-    if (name == "scan") {
-      options.scan = numberOf(name, value());
-    } else if (name == "width") {
-      options.width = static_cast<std::size_t>(numberOf(name, value()));
-    } else if (name == "vcd") {
-      options.vcd = value();
-    } else if (name == "strict") {
-      options.strict = true;
-    } else if (name == "allow") {
-      allow(value(), options);
-    } else if (name == "tck_freq") {
-      options.tckHertz = static_cast<double>(numberOf(name, value()));
-    } else if (name == "v2") {
-      options.dataWaits = true;
-    } else if (name == "h" || name == "help") {
-      options.help = true;
-    } else if (name == "version") {
-      options.version = true;
-    } else {
-      throw Fault("unknown option \"" + arguments[i] + "\"; see --help");
-    }
-  }
-  if (options.help || options.version) return options;
-  if (options.files.empty() || options.files.size() > 2) {
-    throw Fault("one file to show or two to compare are needed; see --help");
-  }
-  const bool shows = options.scan > 0 || !options.vcd.empty();
-  if (options.files.size() == 2 && shows) throw Fault("-scan and -vcd want one file");
-  return options;
 }
 
 std::string helpText() {
   std::string text(kHelp);
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
     const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    text.append(rule.harmless ? "    " : "  * ").append(rule.name);
+    const bool fatal = !findDifference(rule.name);
+    text.append(rule.harmless ? "    " : fatal ? "  ! " : "  * ").append(rule.name);
     text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
   }
   return text;
+}
+
+Options parse(const std::vector<std::string>& arguments) {
+  Options options;
+  std::size_t i = 0;
+  std::string_view name;
+  const auto value = [&]() -> const std::string& {
+    if (++i == arguments.size()) throw Fault("-" + std::string(name) + " needs a value");
+    return arguments[i];
+  };
+  const auto number = [&] {
+    const std::string& text = value();
+    std::uint64_t found = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), found);
+    if (error == std::errc() && end == text.data() + text.size() && found > 0) return found;
+    throw Fault("-" + std::string(name) + " needs a number above 0, not \"" + text + "\"");
+  };
+  const std::map<std::string_view, std::function<void()>> known = {
+      {"allow", [&] { allow(value(), options); }},
+      {"h", [&] { options.text = helpText(); }},
+      {"help", [&] { options.text = helpText(); }},
+      {"scan", [&] { options.scan = number(); }},
+      {"strict", [&] { options.strict = true; }},
+      {"summary", [&] { options.summary = true; }},
+      {"tck_freq", [&] { options.tckHertz = static_cast<double>(number()); }},
+      {"v2", [&] { options.dataWaits = true; }},
+      {"vcd", [&] { options.vcd = value(); }},
+      {"version", [&] { options.text = "tapforge-replay " TAPFORGE_VERSION "\n"; }},
+      {"w", [&] { options.overwrite = true; }},
+      {"width", [&] { options.width = static_cast<std::size_t>(number()); }},
+  };
+  for (bool ended = false; i < arguments.size(); ++i) {
+    name = arguments[i];
+    if (ended || !name.starts_with('-') || name == "-") {
+      options.files.push_back(arguments[i]);
+    } else if (name == "--") {
+      ended = true;
+    } else {
+      name.remove_prefix(name.starts_with("--") ? 2 : 1);
+      const auto found = known.find(name);
+      if (found == known.end()) throw Fault("unknown option \"" + arguments[i] + "\"; see --help");
+      found->second();
+    }
+  }
+  if (!options.text.empty()) return options;
+  if (options.files.empty() || options.files.size() > 2) {
+    throw Fault("one file to show or two to compare are needed; see --help");
+  }
+  const int verbs = (options.scan > 0 ? 1 : 0) + (options.vcd.empty() ? 0 : 1) + options.summary;
+  if (verbs > (options.files.size() == 1 ? 1 : 0)) {
+    throw Fault("-scan, -summary and -vcd want one file, each for itself");
+  }
+  return options;
 }
 
 // A line on a terminal that says how far a long play has come.
@@ -140,7 +150,16 @@ class Progress {
  public:
   explicit Progress(Input& input) {
     if (!isTerminal(stderr)) return;
-    input.onBlock = [this](const Input& at) { show(at); };
+    input.onBlock = [this](const Input& at) {
+      const auto now = Clock::now();
+      if (now - last_ < std::chrono::milliseconds(500)) return;
+      last_ = now;
+      shown_ = true;
+      const std::uint64_t done = at.offset();
+      std::string text = "\r\033[K" + at.path() + ": " + std::to_string(done / 1000000) + " MB";
+      if (at.size() > 0) text += ", " + std::to_string(done * 100 / at.size()) + " %";
+      std::fputs(text.c_str(), stderr);
+    };
   }
   ~Progress() {
     if (shown_) std::fputs("\r\033[K", stderr);
@@ -148,20 +167,6 @@ class Progress {
 
  private:
   using Clock = std::chrono::steady_clock;
-
-  void show(const Input& input) {
-    const auto now = Clock::now();
-    if (now - last_ < std::chrono::milliseconds(500)) return;
-    last_ = now;
-    shown_ = true;
-    const std::uint64_t percent = input.size() > 0 ? input.offset() * 100 / input.size() : 0;
-    std::fprintf(stderr, "\r\033[K%s: %llu MB", input.path().c_str(),
-                 static_cast<unsigned long long>(input.offset() / 1000000));
-    if (input.size() > 0) {
-      std::fprintf(stderr, ", %llu %%", static_cast<unsigned long long>(percent));
-    }
-    std::fflush(stderr);
-  }
 
   Clock::time_point last_ = Clock::now();
   bool shown_ = false;
@@ -172,10 +177,18 @@ int show(const Options& options, Output& output) {
   const Progress progress(input);
   const auto reader = makeReader(input, options.dataWaits);
   if (options.scan > 0) {
-    showScan(*reader, options.scan, input.path(), output);
+    showScan(*reader, options.scan, input, output);
+  } else if (options.summary) {
+    writeSummary(*reader, options.tckHertz, output);
   } else if (!options.vcd.empty()) {
+    if (isSameFile(options.files[0], options.vcd)) {
+      throw Fault(options.vcd + ": the file that is read cannot take the pins");
+    }
+    if (!options.overwrite && isRegularFile(options.vcd)) {
+      throw Fault(options.vcd + ": exists; with -w it is replaced");
+    }
     Output pins(options.vcd);
-    writeVcd(*reader, pins);
+    writeVcd(*reader, options.tckHertz, pins, output);
     pins.close();
   } else {
     listOperations(*reader, options.width, output);
@@ -187,6 +200,9 @@ int show(const Options& options, Output& output) {
 }
 
 int compare(const Options& options, Output& output) {
+  if (options.files[0] == "-" && options.files[1] == "-") {
+    throw Fault("standard input can be read only once");
+  }
   Input source(options.files[0]);
   Input converted(options.files[1]);
   const auto from = makeReader(source, options.dataWaits);
@@ -218,14 +234,15 @@ int run(const std::vector<std::string>& arguments) {
   const Options options = parse(arguments);
   Output output;
   int status = kSame;
-  if (options.help) {
-    output << helpText();
-  } else if (options.version) {
-    output << "tapforge-replay " TAPFORGE_VERSION "\n";
-  } else {
-    status = options.files.size() == 1 ? show(options, output) : compare(options, output);
+  try {
+    output << options.text;
+    if (options.text.empty()) {
+      status = options.files.size() == 1 ? show(options, output) : compare(options, output);
+    }
+    output.close();
+  } catch (const ClosedPipe&) {  // who reads a list need not read all of it
+    if (options.files.size() == 2 || !options.vcd.empty()) throw;
   }
-  output.close();
   return status;
 }
 

@@ -39,13 +39,10 @@ std::string describe(const Wait& wait) {
 std::string describe(const Operation& operation, std::size_t mostDigits) {
   using enum Operation::Kind;
   std::string text;
-  const auto states = [&text](const std::vector<TapState>& list) {
-    for (const TapState state : list) text.append(" ").append(nameOf(state));
-  };
   const auto value = [&](const char* name, const Bits* bits) {
     if (bits != nullptr) text.append(name).append(hexOf(*bits, mostDigits));
   };
-  const char* const which = operation.instruction ? "IR " : "DR ";
+  const std::string which = operation.instruction ? "IR " : "DR ";
   switch (operation.kind) {
     case kScan:
       text = "scan " + std::to_string(operation.number) + ' ' + which +
@@ -54,29 +51,27 @@ std::string describe(const Operation& operation, std::size_t mostDigits) {
       value(" SMASK ", operation.care);
       value(" TDO ", operation.tdo);
       value(" MASK ", operation.mask);
-      if (!operation.after.empty()) text.append(" -> ").append(nameOf(operation.after.back()));
-      return text;
+      break;
     case kWait:
       text = "wait " + describe(operation.wait);
-      if (!operation.after.empty()) text.append(" -> ").append(nameOf(operation.after.back()));
-      return text;
+      break;
     case kMove:
       text = "move";
-      states(operation.before);
+      for (const TapState state : operation.before) text.append(" ").append(nameOf(state));
       return text;
     case kEndState:
-      return std::string("end state ") + which + operation.word;
+      return "end state " + which + operation.word;
     case kResetLine:
       return "reset line " + operation.word;
     case kFrequency:
-      return operation.hertz < 0 ? "frequency any"
-                                 : "frequency " + numberText(operation.hertz) + " Hz";
+      return "frequency " + (operation.hertz < 0 ? "any" : numberText(operation.hertz) + " Hz");
     case kParallelIo:
       return "parallel I/O " + operation.word;
     case kEnd:
-      break;
+      return "end";
   }
-  return "end";
+  if (!operation.after.empty()) text.append(" -> ").append(nameOf(operation.after.back()));
+  return text;
 }
 
 void Reader::note(const std::string& text) {

@@ -14,7 +14,6 @@ namespace tapforge_replay {
 struct Place {
   std::uint64_t line = 0;    ///< from 1; 0 in a binary file
   std::uint64_t offset = 0;  ///< bytes before its first one
-  std::uint64_t end = 0;     ///< bytes before what follows it
 };
 
 /// "line 12" or, in a binary file, "byte 77".
@@ -79,13 +78,11 @@ class Reader {
   /// Throws Fault when the file cannot be read or played.
   virtual void next(Operation& operation) = 0;
   virtual std::string_view form() const = 0;  ///< for people
+  /// Whether a player of the file resets the TAP before anything else.
+  virtual bool beginsWithReset() const { return false; }
 
-  /// Commands that share a line with another one, where that is an error.
-  struct SharedLines {
-    std::uint64_t count = 0;
-    Place first;
-  };
-  virtual SharedLines sharedLines() const { return {}; }
+  /// Bits of the longest vector that a player of KSVF has to hold; 0 in other forms.
+  virtual std::size_t longestVector() const { return 0; }
 
   /// What is odd about the file, a sentence each.
   const std::vector<std::string>& notes() const { return notes_; }

@@ -5,7 +5,17 @@
 #include <string>
 #include <string_view>
 
+#include "replay/fault.h"
+
 namespace tapforge_replay {
+
+/// Text with each character as "\x1b" that is no printable ASCII and not in `kept`.
+std::string printable(std::string_view text, std::string_view kept = {});
+
+/// What writing to standard output throws when nobody reads it any more.
+struct ClosedPipe : Fault {
+  using Fault::Fault;
+};
 
 /// A file or standard output that is written from front to back. Every function
 /// throws Fault when not all can be written.

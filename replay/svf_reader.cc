@@ -1,6 +1,7 @@
-#include <optional>
-#include <utility>
+#include <algorithm>
+#include <array>
 
+#include "replay/fault.h"
 #include "replay/text_reader.h"
 
 namespace tapforge_replay {
@@ -8,189 +9,199 @@ namespace {
 
 using Kind = Operation::Kind;
 
+enum CharKind : std::uint8_t { kPlain, kMark, kBlank, kComment };
+
+constexpr std::array<CharKind, 256> kKinds = [] {
+  std::array<CharKind, 256> kinds{};
+  for (const char c : {' ', '\t', '\n', '\v', '\f', '\r'})
+    kinds[static_cast<unsigned char>(c)] = kBlank;
+  for (const char c : {'(', ')', ';'}) kinds[static_cast<unsigned char>(c)] = kMark;
+  kinds['!'] = kinds['/'] = kComment;
+  return kinds;
+}();
+
+constexpr std::size_t kMostWord = 1 << 16;   // characters
+constexpr std::string_view kPieces = "hst";  // of ScanJoiner, by the first letter
+constexpr std::array<std::string_view, Pattern::kNameCount> kNames = {"tdi", "tdo", "mask",
+                                                                      "smask"};
+
+CharKind kindOf(int character) { return kKinds[static_cast<unsigned char>(character)]; }
+
 class SvfReader final : public TextReader {
  public:
-  explicit SvfReader(Input& input) : TextReader(input, "!/") {}
+  using TextReader::TextReader;
 
-  std::string_view form() const override { return copy_ == Copy::kYes ? "SVF copy" : "SVF"; }
+  std::string_view form() const override { return "SVF"; }
 
   void next(Operation& operation) override {
-    do {
+    bool isOperation = false;
+    while (!isOperation) {
       skipBlanks();
+      input_.mark();
       operation.kind = Kind::kEnd;
-      operation.place = {line_, input_.offset(), 0};
+      operation.place = {line_, input_.offset()};
       const std::string keyword(word());
-      if (keyword.empty()) break;
-      if (!statement(keyword, operation)) continue;
-      operation.place.end = input_.offset();
-      return;
-    } while (true);
-    operation.place.end = input_.offset();
+      isOperation = keyword.empty() || statement(keyword, operation);
+    }
   }
 
  private:
-  // In a copy that is not merged, "!" stands before the values of a scan.
-  bool skipComment() override {
-    if (input_.get() == '/' && input_.peek() != '/') fail("a \"/\" on its own");
-    if (copy_ != Copy::kNo && inScan_ && label()) return false;
-    skipLine();
-    return true;
+  // Past blanks, line ends and comments. Returns the next character or -1.
+  int skipBlanks() {
+    while (true) {
+      const int character = input_.peek();
+      if (character < 0) return character;
+      const CharKind kind = kindOf(character);
+      if (kind < kBlank) return character;
+      input_.skip(1);
+      if (kind == kBlank) {
+        countLine(character);
+      } else {
+        skipComment(character);
+      }
+    }
   }
 
-  bool label() {
-    if (inValue_) return copy_ == Copy::kYes;
-    std::string text;
-    while (text.size() < 8 && input_.peek() >= ' ' && !text.ends_with('(')) {
-      text += static_cast<char>(input_.get());
+  void skipComment(int start) {
+    if (start == '/' && input_.peek() != '/') fail("a \"/\" on its own");
+    for (std::string_view ahead; !(ahead = input_.window()).empty();) {
+      const std::size_t end = ahead.find_first_of("\r\n");
+      input_.skip(std::min(end, ahead.size()));
+      if (end != ahead.npos) return;
     }
-    label_ = text == "   TDI ("   ? "tdi"
-             : text == "   TDO (" ? "tdo"
-             : text == "  MASK (" ? "mask"
-                                  : "";
-    if (label_.empty()) return false;
-    if (std::exchange(copy_, Copy::kYes) != Copy::kYes) {
-      note("an unmerged copy: its values are read from comments, which no player does");
+  }
+
+  // The next word in lower case: up to a blank, a comment or one of ();, which are words
+  // of their own. Empty at the end of the file. It holds until the next word is read.
+  const std::string& word() {
+    word_.clear();
+    const int first = skipBlanks();
+    if (first < 0) return word_;
+    if (kindOf(first) == kMark) return word_ += static_cast<char>(input_.get());
+    while (true) {
+      const std::string_view ahead = input_.window();
+      std::size_t count = 0;
+      while (count < ahead.size() && kindOf(ahead[count]) == kPlain) ++count;
+      for (const char c : ahead.substr(0, count)) {
+        word_ += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+      }
+      input_.skip(count);
+      if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
+      if (count < ahead.size() || ahead.empty()) return word_;
     }
-    return true;
+  }
+  const std::string& needWord() {
+    if (word().empty()) fail("the file ends inside a statement");
+    return word_;
+  }
+  void expect(std::string_view wanted) {
+    if (needWord() == wanted) return;
+    fail("\"" + std::string(wanted) + "\" expected, not \"" + word_ + "\"");
+  }
+
+  // After its opening parenthesis.
+  void value(Pattern::Value& value, std::size_t length) {
+    int character = 0;
+    while ((character = skipBlanks()) != ')') {
+      if (character < 0) fail("the file ends inside a value");
+      if (!readDigits()) fail(std::string("\"") + static_cast<char>(character) + "\" in a value");
+    }
+    input_.skip(1);
+    finishValue(value, length);
   }
 
   // Returns false for a statement that is no operation.
   bool statement(const std::string& keyword, Operation& operation) {
-    if (keyword.size() == 3 && (keyword.ends_with("ir") || keyword.ends_with("dr"))) {
-      return scan(keyword, operation);
+    const std::size_t piece = kPieces.find(keyword[0]);
+    const bool isRegister = keyword.ends_with("ir") || keyword.ends_with("dr");
+    if (keyword.size() == 3 && isRegister && piece != kPieces.npos) {
+      return scan(static_cast<ScanJoiner::Piece>(piece), keyword[1] == 'i', operation);
     }
-    if (keyword == "runtest") return runTest(operation);
-    if (keyword == "state") return path(operation);
-    if (keyword == "endir" || keyword == "enddr") {
-      const TapState end = stableState(needWord());
-      operation.kind = Kind::kEndState;
-      operation.instruction = keyword == "endir";
-      operation.word = nameOf(end);
-      tap_.setEnd(operation.instruction, end);
+    if (keyword == "runtest") {
+      runTest(operation);
+    } else if (keyword == "state") {
+      std::vector<TapState> states = {state(needWord())};
+      while (needWord() != ";") states.push_back(state(word_));
+      finishMove(states, operation);
+    } else if (keyword == "endir" || keyword == "enddr") {
+      finishEndState(keyword == "endir", stableState(needWord()), operation);
       expect(";");
-      return true;
-    }
-    if (keyword == "frequency") {
+    } else if (keyword == "frequency") {
       operation.kind = Kind::kFrequency;
       operation.hertz = -1;
-      const std::string_view value = needWord();
-      if (value == ";") return true;
-      operation.hertz = number(value);
+      if (needWord() == ";") return true;
+      operation.hertz = number(word_);
       expect("hz");
       expect(";");
-      return true;
-    }
-    if (keyword == "trst" || keyword == "pio" || keyword == "piomap") {
+    } else if (keyword == "trst" || keyword == "pio" || keyword == "piomap") {
       operation.kind = keyword == "trst" ? Kind::kResetLine : Kind::kParallelIo;
       operation.word = keyword == "piomap" ? "map" : "";
-      for (std::string_view part; (part = needWord()) != ";";) {
-        if (!operation.word.empty() && part != ")" && !operation.word.ends_with('(')) {
-          operation.word += ' ';
-        }
-        operation.word += part;
+      while (needWord() != ";") {
+        const bool isApart = word_ != ")" && !operation.word.ends_with('(');
+        operation.word += (isApart && !operation.word.empty() ? " " : "") + word_;
       }
-      return true;
+    } else {
+      fail("no SVF statement: \"" + keyword + "\"");
     }
-    fail("no SVF statement: \"" + keyword + "\"");
-  }
-
-  bool scan(const std::string& keyword, Operation& operation) {
-    const bool instruction = keyword[1] == 'i';
-    const char which = keyword[0];
-    if (which != 's' && which != 'h' && which != 't') fail("no SVF statement: \"" + keyword + "\"");
-    Pattern& pattern = joiner_.pattern(instruction, which == 's'   ? ScanJoiner::kData
-                                                    : which == 'h' ? ScanJoiner::kHeader
-                                                                   : ScanJoiner::kTrailer);
-    pattern.begin(length(needWord()));
-    inScan_ = pattern.length > 0;
-    values(pattern);
-    inScan_ = false;
-    if (pattern.length > 0 && !pattern[Pattern::kTdi].given) fail("TDI is missing");
-    if (which != 's' || pattern.length == 0) return false;
-    operation.kind = Kind::kScan;
-    operation.number = ++scans_;
-    joiner_.join(instruction, operation);
-    tap_.scan(operation);
     return true;
   }
 
-  void values(Pattern& pattern) {
-    while (true) {
-      label_.clear();
-      const bool labelled = skipBlanks() >= 0 && !label_.empty();
-      if (copy_ == Copy::kUnknown && inScan_) copy_ = Copy::kNo;
-      const std::string name = labelled ? label_ : std::string(needWord());
-      if (name == ";") return;
-      const auto value = name == "tdi"     ? Pattern::kTdi
-                         : name == "tdo"   ? Pattern::kTdo
-                         : name == "mask"  ? Pattern::kMask
-                         : name == "smask" ? Pattern::kSmask
-                                           : Pattern::kNameCount;
-      if (value == Pattern::kNameCount)
-        fail("TDI, TDO, MASK or SMASK expected, not \"" + name + "\"");
-      if (!labelled) expect("(");
-      if (pattern.length == 0) {  // says nothing
-        while (needWord() != ")") continue;
-        continue;
+  bool scan(ScanJoiner::Piece piece, bool instruction, Operation& operation) {
+    Pattern& pattern = joiner_.pattern(instruction, piece);
+    pattern.begin(length(needWord()));
+    while (word() != ";") {
+      const auto name = std::find(kNames.begin(), kNames.end(), word_) - kNames.begin();
+      if (name == Pattern::kNameCount) {
+        requireTdi(pattern, operation.place);
+        fail("TDI, TDO, MASK or SMASK expected, not \"" + word_ + "\"");
       }
-      inValue_ = true;
-      readHex(pattern[value].bits, pattern.length, ')');
-      inValue_ = false;
-      pattern[value].given = true;
+      expect("(");
+      if (pattern.length > 0) {
+        value(pattern.values[static_cast<std::size_t>(name)], pattern.length);
+      } else {  // says nothing
+        while (needWord() != ")") continue;
+      }
     }
+    requireTdi(pattern, operation.place);
+    if (piece != ScanJoiner::kData || pattern.length == 0) return false;
+    finishScan(instruction, operation);
+    return true;
   }
 
-  bool runTest(Operation& operation) {
+  void requireTdi(const Pattern& pattern, const Place& place) const {
+    if (pattern.length == 0 || pattern[Pattern::kTdi].given) return;
+    constexpr const char* kCause = ": TDI is missing, as in an unmerged copy (tapforge -c)";
+    throw NotPlayable(input_.path(), describe(place) + kCause);
+  }
+
+  void runTest(Operation& operation) {
     operation.kind = Kind::kWait;
     Wait& wait = operation.wait = {};
-    std::string part(needWord());
-    if (const auto run = findState(part)) {
-      tap_.setRun(stableState(part));
-      part = needWord();
+    if (findState(needWord())) {
+      tap_.setRun(stableState(word_));
+      needWord();
     }
-    while (part != ";") {
-      if (part == "endstate") {
+    for (; word_ != ";"; needWord()) {
+      if (word_ == "endstate") {
         tap_.setRunEnd(stableState(needWord()));
-      } else if (part == "maximum") {
+      } else if (word_ == "maximum") {
         wait.maximum = number(needWord());
         expect("sec");
       } else {
-        const double amount = number(part);
-        const std::string_view unit = needWord();
-        if (unit != "tck" && unit != "sck" && unit != "sec") {
-          fail("TCK, SCK or SEC expected, not \"" + std::string(unit) + "\"");
+        const double amount = number(word_);
+        needWord();
+        if (word_ != "tck" && word_ != "sck" && word_ != "sec") {
+          fail("TCK, SCK or SEC expected, not \"" + word_ + "\"");
         }
-        (unit == "sec" ? wait.seconds : wait.clocks) = amount;
-        wait.systemClock = wait.systemClock || unit == "sck";
+        (word_ == "sec" ? wait.seconds : wait.clocks) = amount;
+        wait.systemClock = wait.systemClock || word_ == "sck";
       }
-      part = needWord();
     }
     if (wait.clocks < 0 && wait.seconds < 0) fail("a RUNTEST without count and time");
     tap_.wait(operation);
-    return true;
   }
 
-  bool path(Operation& operation) {
-    operation.kind = Kind::kMove;
-    operation.before.clear();
-    operation.after.clear();
-    std::string name(needWord());
-    std::string following(needWord());
-    if (following == ";") {
-      tap_.moveTo(stableState(name), operation);
-      return true;
-    }
-    step(state(name), true, operation);
-    for (; following != ";"; following = needWord()) step(state(following), false, operation);
-    if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
-    return true;
-  }
-
-  enum class Copy { kUnknown, kNo, kYes };
-  Copy copy_ = Copy::kUnknown;
-  bool inScan_ = false;
-  bool inValue_ = false;
-  std::string label_;  // of the value that a comment begins
+  std::string word_;
 };
 
 }  // namespace

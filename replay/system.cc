@@ -19,6 +19,7 @@ namespace {
 
 // On Windows this makes UTF-16 of UTF-8.
 std::filesystem::path pathOf(const std::string& name) {
+  if (name == "-") return "/dev/stdin";
   return std::u8string(name.begin(), name.end());
 }
 
@@ -27,6 +28,7 @@ std::filesystem::path pathOf(const std::string& name) {
 #ifdef _WIN32
 
 void prepareStreams() {
+  _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
 }
@@ -52,7 +54,10 @@ std::FILE* openFile(const std::string& name, const char* mode) {
 
 #else
 
-void prepareStreams() { std::signal(SIGPIPE, SIG_IGN); }
+void prepareStreams() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 bool isTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 
@@ -70,6 +75,16 @@ std::uint64_t fileSize(const std::string& name) {
   std::error_code unknown;
   const std::uintmax_t size = std::filesystem::file_size(pathOf(name), unknown);
   return unknown ? 0 : size;
+}
+
+bool isRegularFile(const std::string& name) {
+  std::error_code unknown;
+  return std::filesystem::is_regular_file(pathOf(name), unknown);
+}
+
+bool isSameFile(const std::string& one, const std::string& other) {
+  std::error_code unknown;
+  return std::filesystem::equivalent(pathOf(one), pathOf(other), unknown);
 }
 
 }  // namespace tapforge_replay

@@ -1,6 +1,8 @@
 #include "replay/tap.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 
 namespace tapforge_replay {
@@ -10,75 +12,49 @@ using enum TapState;
 
 struct StateRule {
   std::string_view name;
-  std::string_view lowerCase;
   TapState onZero;  // TMS 0
   TapState onOne;
+  unsigned toOne;  // bit n: TMS of the first TCK of the shortest way to state n
 };
 
 constexpr std::size_t kStateCount = 16;
 
 // clang-format off
 constexpr std::array<StateRule, kStateCount> kStates = {{
-    {"RESET", "reset", kIdle, kReset},
-    {"IDLE", "idle", kIdle, kDrSelect},
-    {"DRSELECT", "drselect", kDrCapture, kIrSelect},
-    {"DRCAPTURE", "drcapture", kDrShift, kDrExit1},
-    {"DRSHIFT", "drshift", kDrShift, kDrExit1},
-    {"DREXIT1", "drexit1", kDrPause, kDrUpdate},
-    {"DRPAUSE", "drpause", kDrPause, kDrExit2},
-    {"DREXIT2", "drexit2", kDrShift, kDrUpdate},
-    {"DRUPDATE", "drupdate", kIdle, kDrSelect},
-    {"IRSELECT", "irselect", kIrCapture, kReset},
-    {"IRCAPTURE", "ircapture", kIrShift, kIrExit1},
-    {"IRSHIFT", "irshift", kIrShift, kIrExit1},
-    {"IREXIT1", "irexit1", kIrPause, kIrUpdate},
-    {"IRPAUSE", "irpause", kIrPause, kIrExit2},
-    {"IREXIT2", "irexit2", kIrShift, kIrUpdate},
-    {"IRUPDATE", "irupdate", kIdle, kDrSelect},
+    {"RESET", kIdle, kReset, 0x0001},
+    {"IDLE", kIdle, kDrSelect, 0xfffd},
+    {"DRSELECT", kDrCapture, kIrSelect, 0xfe03},
+    {"DRCAPTURE", kDrShift, kDrExit1, 0xffe7},
+    {"DRSHIFT", kDrShift, kDrExit1, 0xffef},
+    {"DREXIT1", kDrPause, kDrUpdate, 0xff0f},
+    {"DRPAUSE", kDrPause, kDrExit2, 0xffbf},
+    {"DREXIT2", kDrShift, kDrUpdate, 0xff0f},
+    {"DRUPDATE", kIdle, kDrSelect, 0xfefd},
+    {"IRSELECT", kIrCapture, kReset, 0x01ff},
+    {"IRCAPTURE", kIrShift, kIrExit1, 0xf3ff},
+    {"IRSHIFT", kIrShift, kIrExit1, 0xf7ff},
+    {"IREXIT1", kIrPause, kIrUpdate, 0x87ff},
+    {"IRPAUSE", kIrPause, kIrExit2, 0xdfff},
+    {"IREXIT2", kIrShift, kIrUpdate, 0x87ff},
+    {"IRUPDATE", kIdle, kDrSelect, 0x7ffd},
 }};
 // clang-format on
 
 constexpr std::size_t indexOf(TapState state) { return static_cast<std::size_t>(state); }
-
-struct Way {
-  std::array<TapState, 10> states{};  // none is longer than that
-  std::size_t length = 0;
-};
-using Ways = std::array<Way, kStateCount>;
-
-// The shortest ways from one state to all others: a way grows from the shorter one
-// to the state before, and each round finds those that are one TCK longer.
-constexpr Ways waysFrom(std::size_t from) {
-  Ways ways{};
-  for (std::size_t length = 0; length < 10; ++length) {
-    for (std::size_t at = 0; at < kStateCount; ++at) {
-      if (ways[at].length != length || (length == 0 && at != from)) continue;
-      for (const TapState next : {kStates[at].onZero, kStates[at].onOne}) {
-        Way& way = ways[indexOf(next)];
-        if (way.length != 0 || indexOf(next) == from) continue;
-        way = ways[at];
-        way.states[way.length++] = next;
-      }
-    }
-  }
-  return ways;
-}
-
-constexpr std::array<Ways, kStateCount> allWays() {
-  std::array<Ways, kStateCount> all{};
-  for (std::size_t from = 0; from < kStateCount; ++from) all[from] = waysFrom(from);
-  return all;
-}
-
-constexpr std::array<Ways, kStateCount> kWays = allWays();
 
 }  // namespace
 
 std::string_view nameOf(TapState state) { return kStates[indexOf(state)].name; }
 
 std::optional<TapState> findState(std::string_view name) {
+  const auto isSame = [](char a, char b) {
+    return std::toupper(static_cast<unsigned char>(a)) == b;
+  };
   for (std::size_t i = 0; i < kStateCount; ++i) {
-    if (kStates[i].lowerCase == name) return static_cast<TapState>(i);
+    const std::string_view own = kStates[i].name;
+    if (std::equal(name.begin(), name.end(), own.begin(), own.end(), isSame)) {
+      return static_cast<TapState>(i);
+    }
   }
   return std::nullopt;
 }
@@ -96,9 +72,8 @@ bool isOneClock(TapState from, TapState to) {
   return nextState(from, false) == to || nextState(from, true) == to;
 }
 
-std::span<const TapState> wayBetween(TapState from, TapState to) {
-  const Way& way = kWays[indexOf(from)][indexOf(to)];
-  return {way.states.data(), way.length};
+TapState stateTowards(TapState from, TapState to) {
+  return nextState(from, (kStates[indexOf(from)].toOne >> indexOf(to) & 1) != 0);
 }
 
 }  // namespace tapforge_replay

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string_view>
 
 namespace tapforge_replay {
@@ -19,7 +18,7 @@ enum class TapState : std::uint8_t {
 /// Upper case, as SVF spells it.
 std::string_view nameOf(TapState state);
 
-/// The state of a lower-case name.
+/// The state of a name, in capitals or in small letters.
 std::optional<TapState> findState(std::string_view name);
 
 /// Reset, idle and the two pause states, in which the TAP can wait.
@@ -31,8 +30,8 @@ TapState nextState(TapState from, bool tms);
 /// Whether one TCK leads from a state to another, or keeps it where it is.
 bool isOneClock(TapState from, TapState to);
 
-/// The states entered on the shortest way, one TCK each; none when the TAP is there.
-std::span<const TapState> wayBetween(TapState from, TapState to);
+/// The first state on the shortest way to another one.
+TapState stateTowards(TapState from, TapState to);
 
 }  // namespace tapforge_replay
 

@@ -1,5 +1,9 @@
-#include <utility>
+#include <algorithm>
+#include <array>
+#include <string_view>
 
+#include "replay/fault.h"
+#include "replay/output.h"
 #include "replay/text_reader.h"
 
 namespace tapforge_replay {
@@ -7,200 +11,220 @@ namespace {
 
 using Kind = Operation::Kind;
 
-// Reads the commands of a tapbus script. The words of a command may go over
-// several lines, as in a merged script, so a command ends where the next word is
-// none of its own.
+constexpr std::size_t kMostWord = 10000;  // characters of a word that is no value
+
+bool isBlank(int c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
+bool isLineEnd(int c) { return c == '\n' || c == '\r'; }
+bool endsCommand(int c) { return c < 0 || c == ';' || isLineEnd(c); }
+bool endsWord(int c) { return isBlank(c) || endsCommand(c); }
+
+// Reads a script of tapbus commands as a Tcl shell does. No argument of these commands
+// has a character that is special in Tcl, so where a shell would put something else in
+// the place of a word, or go on over a line end, the word is none that is known, and
+// the reading ends with NotPlayable.
 class TclReader final : public TextReader {
  public:
-  explicit TclReader(Input& input) : TextReader(input, "#!") {}
+  using TextReader::TextReader;
 
-  std::string_view form() const override { return merged_ ? "merged Tcl" : "Tcl"; }
-  SharedLines sharedLines() const override { return merged_ ? SharedLines{} : sharedLines_; }
+  std::string_view form() const override { return "Tcl"; }
 
   void next(Operation& operation) override {
-    do {
-      operation.kind = Kind::kEnd;
-      advance();
-      operation.place = {wordLine_, wordOffset_, 0};
-      if (lookahead_.empty()) break;
-      if (commandLine_ == wordLine_ && sharedLines_.count++ == 0) {
-        sharedLines_.first = operation.place;
-      }
-      if (!command(take(), operation)) continue;
-      operation.place.end = wordOffset_;
-      return;
-    } while (true);
-    operation.place.end = input_.offset();
+    bool isOperation = false;
+    while (!isOperation && beginCommand()) {
+      operation.place = {line_, input_.offset()};
+      isOperation = command(operation);
+    }
+    if (isOperation) return;
+    operation.kind = Kind::kEnd;
+    operation.place = {line_, input_.offset()};
   }
 
  private:
-  // The remark behind a header or trailer says that the scans hold its bits.
-  bool skipComment() override {
-    if (input_.get() == '!') {
-      if (!merged_)
-        note("a merged script, which no Tcl shell runs: its values stand on lines of their own");
-      merged_ = true;
-      if (property_ != nullptr) property_->begin(0);
-    }
-    skipLine();
-    return true;
+  [[noreturn]] void fail(const std::string& text) const override {
+    throw NotPlayable(input_.path(), "line " + std::to_string(line_) + ": " + printable(text));
+  }
+  [[noreturn]] void refuse(std::string_view word) const {
+    if (word.find("!==*") != word.npos) failAsMerged();
+    const std::string what = word == command_ ? "no tapbus command" : "no argument of " + command_;
+    fail(what + ": \"" + std::string(word) + '"');
+  }
+  [[noreturn]] void failAsMerged() const {
+    fail("a merged script (tapforge -tapbus without -c), which no Tcl shell runs");
   }
 
-  // One word is looked at before it is taken.
-  void advance() {
-    if (!lookahead_.empty()) return;
-    skipBlanks();
-    wordLine_ = line_;
-    wordOffset_ = input_.offset();
-    lookahead_ = word();
+  // Past all that stands between commands; false at the end of the file.
+  bool beginCommand() {
+    for (int c = 0; (c = input_.peek()) >= 0;) {
+      if (c == '#') {
+        skipRemark();
+      } else if (isBlank(c) || endsCommand(c)) {
+        input_.skip(1);
+        countLine(c);
+      } else {
+        input_.mark();
+        return true;
+      }
+    }
+    return false;
   }
-  bool accept(std::string_view wanted) {
-    advance();
-    if (lookahead_ != wanted) return false;
-    take();
-    return true;
+
+  // A backslash makes the line end behind it a part of the remark.
+  void skipRemark() {
+    bool escaped = false;
+    for (int c = 0; (c = input_.peek()) >= 0 && (escaped || !isLineEnd(c));) {
+      if (c == '\x1A') fail("a Tcl shell reads no further than the byte 0x1a");
+      const std::uint64_t line = line_;
+      input_.skip(1);
+      countLine(c);
+      if (line != line_) {
+        note("line " + std::to_string(line) + ": the comment takes the next line with it");
+      }
+      escaped = escaped ? c == '\r' && input_.peek() == '\n' : c == '\\';
+    }
   }
-  std::string take() {
-    advance();
-    if (lookahead_.empty()) fail("the file ends inside a command");
-    commandLine_ = wordLine_;
-    return std::exchange(lookahead_, {});
+
+  // The next word of the command, without quotes or braces around it; empty at its end.
+  // It holds until the next one is read.
+  std::string_view argument() {
+    beginWord();
+    argument_.clear();
+    while (!endsWord(input_.peek()) && argument_.size() < kMostWord) {
+      argument_ += static_cast<char>(input_.get());
+    }
+    const std::string_view word = argument_;
+    const bool quoted = (word.starts_with('{') && word.ends_with('}')) ||
+                        (word.starts_with('"') && word.ends_with('"'));
+    if (!quoted || word.size() < 3 || word.find('$') != word.npos) return word;
+    return word.substr(1, word.size() - 2);
+  }
+  std::string_view needArgument() {
+    const std::string_view next = argument();
+    if (next.empty()) fail("an argument of " + command_ + " is missing");
+    return next;
+  }
+
+  int beginWord() {
+    while (isBlank(input_.peek())) input_.skip(1);
+    return input_.peek();
+  }
+
+  std::string_view needDigits() {
+    const std::string_view text = needArgument();
+    if (text.find_first_not_of("0123456789") != text.npos) refuse(text);
+    return text;
   }
 
   // Returns false for a command that is no operation.
-  bool command(const std::string& name, Operation& operation) {
+  bool command(Operation& operation) {
+    command_ = argument();
     operation.before.clear();
     operation.after.clear();
     bool isOperation = true;
-    if (name == "scan_ir_tapbus" || name == "scan_dr_tapbus") {
-      scan(name == "scan_ir_tapbus", operation);
-    } else if (name == "runtest_tapbus") {
+    if (command_ == "scan_ir_tapbus" || command_ == "scan_dr_tapbus") {
+      scan(command_ == "scan_ir_tapbus", operation);
+    } else if (command_ == "runtest_tapbus") {
       wait(operation);
-    } else if (name == "runtest") {  // SVF text, put in after each scan
-      operation.wait = {};
-      operation.wait.clocks = number(take());
-      if (!accept("tck")) fail("\"tck\" expected");
-      if (!accept(";")) fail("\";\" expected");
-      operation.kind = Kind::kWait;
-      tap_.wait(operation);
-    } else if (name == "run_state_tapbus") {
+    } else if (command_ == "run_state_tapbus") {
       path(operation);
-    } else if (name == "set_property") {
+    } else if (command_ == "set_property") {
       isOperation = property(operation);
-    } else if (name == "puts") {
-      if (take() != "\"---" || take() != "line") fail("puts of something else than a line number");
-      take();
+    } else if (command_ == "puts") {
       isOperation = false;
+      if (needArgument() != "\"---" || needArgument() != "line") refuse(argument_);
+      const std::string_view number = needArgument();
+      if (number.find_first_not_of("0123456789") != number.size() - 1) refuse(number);
+      if (number.back() != '"') refuse(number);
     } else {
-      fail("no tapbus command: \"" + name + "\"");
+      refuse(command_);
     }
+    if (const std::string_view more = argument(); !more.empty()) refuse(more);
     return isOperation;
   }
 
   void scan(bool instruction, Operation& operation) {
     Pattern& pattern = joiner_.pattern(instruction, ScanJoiner::kData);
     pattern.begin(0);  // each scan says all
-    pattern.begin(length(take()));
+    pattern.begin(length(needDigits()));
     if (pattern.length == 0) fail("a scan of 0 bits");
-    while (true) {
-      advance();
-      std::string name = lookahead_;
-      const bool option = name.starts_with('-');
-      if (option) name.erase(0, 1);
-      const auto value = name == "tdi"     ? Pattern::kTdi
-                         : name == "tdo"   ? Pattern::kTdo
-                         : name == "mask"  ? Pattern::kMask
-                         : name == "smask" ? Pattern::kSmask
-                                           : Pattern::kNameCount;
-      if (value == Pattern::kNameCount) break;
-      lookahead_.clear();
-      if (!option) expect("(");
-      readHex(pattern[value].bits, pattern.length, option ? '\0' : ')');
-      commandLine_ = line_;
-      pattern[value].given = true;
+    for (std::string_view option; !(option = argument()).empty();) {
+      value(pattern, option, {"-tdi", "-tdo", "-mask"});
     }
-    if (!pattern[Pattern::kTdi].given) fail("TDI is missing");
-    operation.kind = Kind::kScan;
-    operation.number = ++scans_;
-    joiner_.join(instruction, operation);
-    tap_.scan(operation);
+    if (!pattern[Pattern::kTdi].given) failAsMerged();
+    finishScan(instruction, operation);
+  }
+
+  // Reads the value that the word `name` announces. Its digits may be many, so they are
+  // read where they stand.
+  void value(Pattern& pattern, std::string_view name,
+             const std::array<std::string_view, Pattern::kSmask>& names) {
+    const auto found = std::find(names.begin(), names.end(), name);
+    if (found == names.end()) refuse(name);
+    const int opening = beginWord();
+    const bool quoted = opening == '{' || opening == '"';
+    if (quoted) input_.skip(1);
+    readDigits();
+    finishValue(pattern.values[static_cast<std::size_t>(found - names.begin())], pattern.length);
+    if ((quoted && input_.get() != (opening == '{' ? '}' : '"')) || !endsWord(input_.peek())) {
+      fail("a character in a value that is no digit");
+    }
   }
 
   void wait(Operation& operation) {
     operation.kind = Kind::kWait;
     operation.wait = {};
-    double clocks = 0;
-    if (accept("-wait")) tap_.setRun(stableState(take()));
-    while (accept("-tck")) clocks += number(take());
-    if (accept("-end_state")) tap_.setRunEnd(stableState(take()));
-    operation.wait.clocks = clocks;
+    operation.wait.clocks = 0;
+    std::string_view option = needArgument();
+    if (option == "-wait") {
+      tap_.setRun(stableState(needArgument()));
+      option = needArgument();
+    }
+    if (option != "-tck") refuse(option);
+    for (; option == "-tck"; option = argument()) {
+      operation.wait.clocks += number(needDigits());
+    }
+    if (option == "-end_state") {
+      tap_.setRunEnd(stableState(needArgument()));
+    } else if (!option.empty()) {
+      refuse(option);
+    }
     tap_.wait(operation);
   }
 
   void path(Operation& operation) {
-    operation.kind = Kind::kMove;
-    const TapState first = state(take());
-    advance();
-    if (findState(lookahead_) || !isStable(first)) {
-      step(first, true, operation);
-    } else {
-      tap_.moveTo(first, operation);
-    }
-    while (findState(lookahead_)) {
-      step(state(take()), false, operation);
-      advance();
-    }
-    if (!isStable(tap_.state())) fail("a path ends in " + std::string(nameOf(tap_.state())));
+    std::vector<TapState> states;
+    std::string_view name = needArgument();
+    do {
+      states.push_back(state(name));
+    } while (!(name = argument()).empty());
+    finishMove(states, operation);
   }
 
   bool property(Operation& operation) {
-    const std::string name = take();
-    if (!accept("{")) fail("\"{\" expected");
-    bool isOperation = false;
-    const std::size_t under = name.find('_');
-    const bool instruction = name[1] == 'i';
-    if (name == "endstate_ir" || name == "endstate_dr") {
-      const TapState end = stableState(take());
-      operation.kind = Kind::kEndState;
-      operation.instruction = name == "endstate_ir";
-      operation.word = nameOf(end);
-      tap_.setEnd(operation.instruction, end);
-      if (!accept("}")) fail("\"}\" expected");
-      isOperation = true;
-    } else if (under == 3 && (name[0] == 'h' || name[0] == 't') && name[2] == 'r') {
-      const auto piece = name[0] == 'h' ? ScanJoiner::kHeader : ScanJoiner::kTrailer;
-      Pattern& pattern = joiner_.pattern(instruction, piece);
-      property_ = &pattern;
-      const std::string what = name.substr(under + 1);
-      if (what == "length") {
+    const std::string name(needArgument());
+    const bool isEnd = name == "ENDSTATE_IR" || name == "ENDSTATE_DR";
+    const std::size_t piece = std::string_view("hir tir hdr tdr").find(name.substr(0, 3));
+    const std::string_view what =
+        std::string_view(name).substr(std::min<std::size_t>(3, name.size()));
+    if (isEnd) {
+      finishEndState(name == "ENDSTATE_IR", stableState(needArgument()), operation);
+    } else if (piece % 4 == 0) {
+      Pattern& pattern =
+          joiner_.pattern(piece <= 4, name[0] == 'h' ? ScanJoiner::kHeader : ScanJoiner::kTrailer);
+      if (what == "_length") {
         pattern.begin(0);
-        pattern.begin(length(take()));
-        if (!accept("}")) fail("\"}\" expected");
-      } else if (what == "tdi" || what == "tdo" || what == "tdo_mask") {
-        const auto value = what == "tdi"   ? Pattern::kTdi
-                           : what == "tdo" ? Pattern::kTdo
-                                           : Pattern::kMask;
-        readHex(pattern[value].bits, pattern.length, '}');
-        pattern[value].given = true;
+        pattern.begin(length(needDigits()));
       } else {
-        fail("no tapbus property: \"" + name + "\"");
+        value(pattern, what, {"_TDI", "_TDO", "_TDO_mask"});
       }
     } else {
-      fail("no tapbus property: \"" + name + "\"");
+      refuse(name);
     }
-    if (!accept("$current_tapbus")) fail("\"$current_tapbus\" expected");
-    if (!isOperation) advance();  // a remark that may follow is about this property
-    property_ = nullptr;
-    return isOperation;
+    if (const std::string_view object = needArgument(); object != "$current_tapbus") refuse(object);
+    return isEnd;
   }
 
-  bool merged_ = false;
-  Pattern* property_ = nullptr;  // the one set last, until the next command
-  std::string lookahead_;
-  std::uint64_t wordLine_ = 0;
-  std::uint64_t wordOffset_ = 0;
-  SharedLines sharedLines_;
-  std::uint64_t commandLine_ = 0;  // of the last word taken
+  std::string command_;
+  std::string argument_;
 };
 
 }  // namespace

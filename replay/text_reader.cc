@@ -2,16 +2,15 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 
 #include "replay/fault.h"
+#include "replay/output.h"
 
 namespace tapforge_replay {
 namespace {
 
-constexpr std::size_t kMostWord = 1 << 16;  // characters
-constexpr unsigned kDigitsOfWord = 16;
 constexpr std::size_t kMostBits = std::size_t{1} << (sizeof(std::size_t) > 4 ? 40 : 31);
+constexpr double kMostNumber = 0x1p53;  // below it each whole number is exact
 
 constexpr std::uint8_t kNoDigit = 255;
 
@@ -73,9 +72,7 @@ void ScanJoiner::join(bool instruction, Operation& scan) {
 }
 
 void TapFollower::go(TapState target, std::vector<TapState>& entered) {
-  const auto way = wayBetween(state_, target);
-  entered.insert(entered.end(), way.begin(), way.end());
-  state_ = target;
+  while (state_ != target) entered.push_back(state_ = stateTowards(state_, target));
 }
 
 void TapFollower::scan(Operation& scan) {
@@ -113,142 +110,64 @@ void TapFollower::wait(Operation& wait) {
 }
 
 void TextReader::fail(const std::string& text) const {
-  throw Fault(input_.path() + ": line " + std::to_string(line_) + ": " + text);
+  throw Fault(input_.path() + ": line " + std::to_string(line_) + ": " + printable(text));
 }
 
-void TextReader::countLine(int character) {
-  if (character == '\n' || (character == '\r' && input_.peek() != '\n')) ++line_;
-}
-
-void TextReader::skipLine() {
+bool TextReader::readDigits() {
+  std::uint64_t rest = rest_;  // in a register
+  unsigned room = room_;
+  std::size_t all = 0;
   while (true) {
     const std::string_view ahead = input_.window();
-    const std::size_t end = ahead.find_first_of("\r\n");
-    input_.skip(std::min(end, ahead.size()));
-    if (end != std::string_view::npos || ahead.empty()) return;
-  }
-}
-
-TextReader::TextReader(Input& input, std::string_view commentStarts) : input_(input) {
-  const auto set = [this](std::string_view characters, CharKind kind) {
-    for (const char character : characters) kinds_[static_cast<unsigned char>(character)] = kind;
-  };
-  set(" \t\n\v\f\r", kBlank);
-  set("();{}", kMark);
-  set(commentStarts, kComment);
-}
-
-int TextReader::skipBlanks() {
-  while (true) {
-    const int character = input_.peek();
-    if (character < 0) return character;
-    const CharKind kind = kindOf(character);
-    if (kind == kBlank) {
-      input_.skip(1);
-      countLine(character);
-    } else if (kind != kComment || !skipComment()) {
-      return character;
-    }
-  }
-}
-
-std::string_view TextReader::word() {
-  word_.clear();
-  const int first = skipBlanks();
-  if (first < 0) return {};
-  if (kindOf(first) != kPlain) {
-    input_.skip(1);
-    return word_ = static_cast<char>(first);
-  }
-  while (true) {
-    const std::string_view ahead = input_.window();
-    std::size_t count = 0;
-    while (count < ahead.size() && kindOf(ahead[count]) == kPlain) ++count;
-    for (const char character : ahead.substr(0, count)) {
-      const bool capital = character >= 'A' && character <= 'Z';
-      word_ += static_cast<char>(capital ? character - 'A' + 'a' : character);
-    }
-    input_.skip(count);
-    if (word_.size() > kMostWord) fail("a word of more than 64 Ki characters");
-    if (count < ahead.size() || ahead.empty()) return word_;
-  }
-}
-
-std::string_view TextReader::needWord() {
-  const std::string_view next = word();
-  if (next.empty()) fail("the file ends inside a statement");
-  return next;
-}
-
-void TextReader::expect(std::string_view wanted) {
-  const std::string_view next = needWord();
-  if (next != wanted) {
-    fail("\"" + std::string(wanted) + "\" expected, not \"" + std::string(next) + "\"");
-  }
-}
-
-void TextReader::readHex(Bits& bits, std::size_t length, char closing) {
-  digits_.clear();
-  std::uint64_t digits = 0;
-  unsigned count = 0;
-  bool any = false;
-  while (true) {
-    const std::string_view ahead = input_.window();
-    std::size_t i = 0;
-    for (; i < ahead.size(); ++i) {
-      const std::uint8_t digit = kDigits[static_cast<unsigned char>(ahead[i])];
+    const char* at = ahead.begin();
+    for (; at != ahead.end(); ++at) {
+      const std::uint8_t digit = kDigits[static_cast<unsigned char>(*at)];
       if (digit == kNoDigit) break;
-      digits = digits << 4 | digit;
-      if (++count == kDigitsOfWord) {
-        digits_.push_back(digits);
-        count = 0;
-      }
+      rest = rest << 4 | digit;
+      if (--room != 0) continue;
+      digits_.push_back(rest);
+      room = kDigitsOfWord;
     }
-    any = any || i > 0;
-    input_.skip(i);
-    if (i == ahead.size() && !ahead.empty()) continue;
-    if (closing == 0 && any) break;
-    const std::uint64_t before = input_.offset();
-    const int character = skipBlanks();
-    if (character == closing && character > 0) {
-      input_.skip(1);
-      break;
-    }
-    if (character < 0) fail("the file ends inside a value");
-    if (kDigits[static_cast<std::size_t>(character)] == kNoDigit && input_.offset() == before) {
-      fail(std::string("\"") + static_cast<char>(character) + "\" in a value");
-    }
+    const auto found = static_cast<std::size_t>(at - ahead.begin());
+    input_.skip(found);
+    all += found;
+    if (at != ahead.end() || ahead.empty()) break;
   }
-  if (!any) fail("a value without digits");
-  if (count == 0) {
-    count = kDigitsOfWord;
-  } else {
-    digits_.push_back(digits & ((std::uint64_t{1} << count * 4) - 1));
-  }
+  rest_ = rest;
+  room_ = room;
+  return all > 0;
+}
+
+void TextReader::finishValue(Pattern::Value& value, std::size_t length) {
+  const unsigned count = kDigitsOfWord - room_;  // in the last word, if not all
+  if (digits_.empty() && count == 0) fail("a value without digits");
+  if (count > 0) digits_.push_back(rest_ & ((std::uint64_t{1} << count * 4) - 1));
   if (digits_.size() > (kMostBits >> 6)) fail("a value that is too long");
-  if (!bits.assignDigits(digits_, count, length)) {
+  if (!value.bits.assignDigits(digits_, count > 0 ? count : kDigitsOfWord, length)) {
     note("line " + std::to_string(line_) +
          ": a value has bits above its length, which are ignored");
   }
+  value.given = true;
+  digits_.clear();
+  room_ = kDigitsOfWord;
+}
+
+template <typename Number>
+Number TextReader::parse(std::string_view text, Number most, const char* what) const {
+  Number value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !(value >= 0 && value <= most)) {
+    fail(what + (" expected, not \"" + std::string(text) + "\""));
+  }
+  return value;
 }
 
 double TextReader::number(std::string_view text) const {
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value) ||
-      value < 0) {
-    fail("a number expected, not \"" + std::string(text) + "\"");
-  }
-  return value;
+  return parse(text, kMostNumber, "a number");
 }
 
 std::size_t TextReader::length(std::string_view text) const {
-  std::size_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || value > kMostBits) {
-    fail("a length in bits expected, not \"" + std::string(text) + "\"");
-  }
-  return value;
+  return parse(text, kMostBits, "a length in bits");
 }
 
 TapState TextReader::state(std::string_view text) const {
@@ -257,38 +176,54 @@ TapState TextReader::state(std::string_view text) const {
   return *found;
 }
 
-TapState TextReader::stableState(std::string_view text) const {
-  const TapState found = state(text);
-  if (!isStable(found)) fail("the TAP cannot stay in " + std::string(nameOf(found)));
-  return found;
+TapState TextReader::requireStable(TapState state) const {
+  if (!isStable(state)) fail("the TAP cannot stay in " + std::string(nameOf(state)));
+  return state;
 }
 
-void TextReader::step(TapState target, bool first, Operation& move) {
-  const TapState from = tap_.state();
-  if (tap_.step(target, move)) return;
-  if (!first || !isStable(target)) {
-    fail("no way of one TCK leads from " + std::string(nameOf(from)) + " to " +
-         std::string(nameOf(target)));
+void TextReader::finishScan(bool instruction, Operation& scan) {
+  scan.kind = Operation::Kind::kScan;
+  scan.number = ++scans_;
+  joiner_.join(instruction, scan);
+  tap_.scan(scan);
+}
+
+void TextReader::finishEndState(bool instruction, TapState state, Operation& operation) {
+  operation.kind = Operation::Kind::kEndState;
+  operation.instruction = instruction;
+  operation.word = nameOf(state);
+  tap_.setEnd(instruction, state);
+}
+
+void TextReader::finishMove(const std::vector<TapState>& path, Operation& move) {
+  move.kind = Operation::Kind::kMove;
+  move.before.clear();
+  move.after.clear();
+  requireStable(path.back());
+  for (const TapState& target : path) {
+    const TapState from = tap_.state();
+    if (path.size() > 1 && tap_.step(target, move)) continue;
+    if (&target != &path.front() || !isStable(target)) {
+      fail("no way of one TCK leads from " + std::string(nameOf(from)) + " to " +
+           std::string(nameOf(target)));
+    }
+    tap_.moveTo(target, move);
   }
-  tap_.moveTo(target, move);
 }
 
 std::unique_ptr<Reader> makeReader(Input& input, bool dataWaits) {
   constexpr char kKsvfFirst = 7;  // every file begins with KREPEAT
   std::string_view ahead = input.window();
   if (ahead.starts_with(kKsvfFirst)) return makeKsvfReader(input, dataWaits);
-  while (!ahead.empty()) {
-    const std::size_t start = ahead.find_first_not_of(" \t\r\n");
-    if (start == std::string_view::npos) break;
-    ahead.remove_prefix(start);
-    const std::size_t end = std::min(ahead.find_first_of("\r\n"), ahead.size());
-    const std::string_view line = ahead.substr(0, end);
-    if (line.starts_with('#') || line.starts_with("set_property") || line.starts_with("puts ") ||
-        line.substr(0, line.find(' ')).ends_with("_tapbus")) {
+  for (std::size_t at = 0; (at = ahead.find_first_not_of(" \t\r\n")) != ahead.npos;) {
+    ahead.remove_prefix(at);
+    const std::string_view word = ahead.substr(0, ahead.find_first_of(" \t\r\n"));
+    // No word of SVF has a "_", but those of Tcl have one.
+    if (word.starts_with('#') || word == "puts" || word.find('_') != word.npos) {
       return makeTclReader(input);
     }
-    if (!line.starts_with('!') && !line.starts_with("//")) break;
-    ahead.remove_prefix(end);
+    if (!word.starts_with('!') && !word.starts_with("//")) break;
+    ahead.remove_prefix(std::min(ahead.find_first_of("\r\n"), ahead.size()));
   }
   return makeSvfReader(input);
 }

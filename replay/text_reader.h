@@ -78,57 +78,52 @@ class TapFollower {
   TapState runEnd_ = TapState::kIdle;
 };
 
-/// What the readers of SVF and of Tcl have in common: characters, words, values.
+/// What the readers of SVF and of Tcl have in common: numbers, values, states.
 class TextReader : public Reader {
+ public:
+  explicit TextReader(Input& input) : input_{input} {}
+
  protected:
-  /// `commentStarts`: characters that may begin a comment, and so end a word.
-  TextReader(Input& input, std::string_view commentStarts);
+  void countLine(int character) {
+    if (character == '\n' || (character == '\r' && input_.peek() != '\n')) ++line_;
+  }
 
-  /// Skips the comment that such a character, not read yet, begins, up to its
-  /// line end. Returns false when the comment holds something to be read.
-  virtual bool skipComment() = 0;
-
-  /// Past blanks, line ends and comments. Returns the next character or -1.
-  int skipBlanks();
-  /// To the end of the line, which is not read.
-  void skipLine();
-  void countLine(int character);
-
-  /// The next word in lower case: up to a blank, a comment or one of ();{}.
-  /// Such a mark is a word of its own. Empty at the end of the file. It holds
-  /// until the next word is read.
-  std::string_view word();
-  /// As word(), but it must be there.
-  std::string_view needWord();
-  void expect(std::string_view wanted);
-
-  /// Reads hex digits up to a mark, or to a blank where the mark is 0.
-  void readHex(Bits& bits, std::size_t length, char closing);
+  /// Reads the hex digits from here on, which may go on behind what divides them.
+  /// Returns whether there are any.
+  bool readDigits();
+  /// Makes a value of the digits read since the last one.
+  void finishValue(Pattern::Value& value, std::size_t length);
 
   double number(std::string_view text) const;
   std::size_t length(std::string_view text) const;
   TapState state(std::string_view text) const;
-  TapState stableState(std::string_view text) const;
+  TapState requireStable(TapState state) const;
+  TapState stableState(std::string_view text) const { return requireStable(state(text)); }
 
-  /// A step of a path. The first one may lead to any stable state.
-  void step(TapState target, bool first, Operation& move);
+  /// Complete an operation: a scan of the present patterns, the state in which scans
+  /// end from now on, and a move. A path of several states is taken step by step, but
+  /// its first one may be any stable state.
+  void finishScan(bool instruction, Operation& scan);
+  void finishEndState(bool instruction, TapState state, Operation& operation);
+  void finishMove(const std::vector<TapState>& path, Operation& move);
 
   /// Ends the reading with a Fault that names the present line.
-  [[noreturn]] void fail(const std::string& text) const;
+  [[noreturn]] virtual void fail(const std::string& text) const;
 
   Input& input_;
   std::uint64_t line_ = 1;
   ScanJoiner joiner_;
   TapFollower tap_;
-  std::uint64_t scans_ = 0;
 
  private:
-  enum CharKind : std::uint8_t { kPlain, kBlank, kMark, kComment };
-  CharKind kindOf(int character) const { return kinds_[static_cast<unsigned char>(character)]; }
+  template <typename Number>
+  Number parse(std::string_view text, Number most, const char* what) const;
 
-  std::array<CharKind, 256> kinds_{};
-  std::string word_;
-  std::vector<std::uint64_t> digits_;
+  std::uint64_t scans_ = 0;
+  static constexpr unsigned kDigitsOfWord = 16;
+  std::vector<std::uint64_t> digits_;  // of a value, in words,
+  std::uint64_t rest_ = 0;             // and those that do not fill one yet,
+  unsigned room_ = kDigitsOfWord;      // as so many are missing
 };
 
 /// The file as operations; its form is seen from its first characters. `dataWaits`

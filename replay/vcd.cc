@@ -1,90 +1,109 @@
 #include "replay/vcd.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+
+#include "replay/list.h"
 
 namespace tapforge_replay {
 namespace {
 
 using Kind = Operation::Kind;
 
-constexpr double kDrawnClocks = 16;  // of a wait
-constexpr double kPicosecondsPerSecond = 1e12;
-constexpr double kMostPicoseconds = 1e18;
+constexpr double kDrawnClocks = 16;   // of a wait
+constexpr double kMostUnits = 1e18;   // of time
+constexpr double kUnitsOfClock = 10;  // at least, at the rate of the start
+constexpr double kUsualHertz = 1e6;
+constexpr std::size_t kMostDigits = 16;  // of a value in the list
 
 class Drawer {
  public:
-  explicit Drawer(Output& output) : output_(output) {
-    output_ << "$comment Pins of a TAP, as tapforge-replay plays a file. $end\n"
-               "$timescale 1 ps $end\n"
-               "$scope module tap $end\n"
-               "$var wire 1 c tck $end\n"
-               "$var wire 1 m tms $end\n"
-               "$var wire 1 i tdi $end\n"
-               "$var wire 1 o tdo_expected $end\n"
-               "$var wire 1 e compare $end\n"
-               "$var reg 4 s state $end\n"
-               "$var integer 32 n scan $end\n"
-               "$upscope $end\n"
-               "$enddefinitions $end\n"
-               "#0\n0c\n1m\n1i\nxo\n0e\nb0 s\nb0 n\n";
-  }
+  Drawer(double hertz, Output& pins, Output& list)
+      : pins_(pins),
+        list_(list),
+        firstHertz_(hertz > 0 ? hertz : kUsualHertz),
+        hertz_(firstHertz_) {}
 
-  void draw(const Operation& operation) {
+  void draw(Operation& operation) {
+    const bool isScan = operation.kind == Kind::kScan;
     if (operation.kind == Kind::kFrequency) {
-      period_ =
-          std::max(2.0, kPicosecondsPerSecond / (operation.hertz > 0 ? operation.hertz : 1e6));
+      hertz_ = operation.hertz > 0 ? operation.hertz : firstHertz_;
     }
-    const bool moves = operation.kind == Kind::kScan || operation.kind == Kind::kWait ||
-                       operation.kind == Kind::kMove;
-    if (!moves) return;
+    if (operation.kind == Kind::kResetLine) drive(operation.word);
+    if (!isScan && operation.kind != Kind::kWait && operation.kind != Kind::kMove) return;
     walk(operation.before);
-    if (operation.kind == Kind::kScan) scan(operation);
+    if (isScan) scan(operation);
     if (operation.kind == Kind::kWait) wait(operation.wait);
     // The last bit of a scan is shifted by the clock that leaves the shift state.
-    const auto skip = operation.kind == Kind::kScan ? 1 : 0;
-    walk({operation.after.begin() + skip, operation.after.end()});
+    walk({operation.after.begin() + (isScan ? 1 : 0), operation.after.end()});
   }
 
-  void end() { output_ << "#" << std::to_string(time()) << "\n"; }
+  void end() { pins_ << now(); }
 
  private:
-  std::uint64_t time() const { return static_cast<std::uint64_t>(picoseconds_); }
+  // The unit of time is that of the rate at the first clock, so that no viewer has to go
+  // through more steps than it needs.
+  void begin() {
+    constexpr std::array kNames = {"fs", "ps", "ns", "us", "ms", "s"};
+    const double steps = std::floor(15 - std::log10(hertz_ * kUnitsOfClock) + 1e-9);  // from 1 fs
+    const auto unit = static_cast<std::size_t>(std::clamp(steps, 0.0, 17.0));
+    unitsOfSecond_ = std::pow(10.0, 15 - static_cast<double>(unit));
+    pins_ << "$comment Pins of a TAP, as tapforge-replay plays a file. $end\n$timescale 1" +
+                 std::string(unit % 3, '0') + " " + kNames[unit / 3] +
+                 " $end\n$scope module tap $end\n";
+    for (const char* const signal :
+         {"c tck", "m tms", "i tdi", "o tdo_expected", "e compare", "r trst"}) {
+      pins_ << "$var wire 1 " + std::string(signal) + " $end\n";
+    }
+    pins_ << "$upscope $end\n$enddefinitions $end\n#0\n1c\n1m\n1i\nxo\n0e\n" +
+                 std::string(1, trst_) + "r\n";
+    pass(0.5);
+    walk(std::vector<TapState>(5, TapState::kReset));
+  }
 
-  void pass(double duration) { picoseconds_ = std::min(picoseconds_ + duration, kMostPicoseconds); }
+  // A line with the present time.
+  std::string now() {
+    if (unitsOfSecond_ == 0) begin();
+    return "#" + std::to_string(static_cast<std::uint64_t>(time_)) + "\n";
+  }
+  // At least one unit for every half of a clock.
+  void pass(double clocks) {
+    time_ = std::min(time_ + clocks * std::max(unitsOfSecond_ / hertz_, 2.0), kMostUnits);
+  }
 
   // The pins are set with the falling edge, the state changes with the rising one.
   void clock(TapState next, char tdi, char tdo) {
-    const std::string pins = {nextState(state_, true) == next ? '1' : '0', tdi, tdo,
-                              tdo == 'x' ? '0' : '1'};
-    std::string text = "#" + std::to_string(time()) + "\n0c\n";
-    for (std::size_t i = 0; i < pins.size(); ++i) {
-      if (pins[i] != pins_[i]) text.append({pins[i], "mioe"[i], '\n'});
+    std::string text = now() + "0c\n";
+    const std::string levels = {nextState(state_, true) == next ? '1' : '0', tdi, tdo,
+                                tdo == 'x' ? '0' : '1'};
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      if (levels[i] != levels_[i]) text.append({levels[i], "mioe"[i], '\n'});
     }
-    pass(period_ / 2);
-    text += "#" + std::to_string(time()) + "\n1c\n";
-    if (next != state_) text += binary(static_cast<std::uint64_t>(next)) + " s\n";
-    pass(period_ / 2);
-    pins_ = pins;
+    pass(0.5);
+    text += now() + "1c\n";
+    pass(0.5);
+    levels_ = levels;
     state_ = next;
-    output_ << text;
-  }
-
-  static std::string binary(std::uint64_t number) {
-    std::string text;
-    do {
-      text.insert(text.begin(), number % 2 != 0 ? '1' : '0');
-      number /= 2;
-    } while (number > 0);
-    return 'b' + text;
+    pins_ << text;
   }
 
   void walk(const std::vector<TapState>& states) {
     for (const TapState state : states) clock(state, '1', 'x');
   }
 
-  void scan(const Operation& scan) {
-    output_ << binary(scan.number) + " n\n";
+  void drive(const std::string& mode) {
+    if (mode == "absent") return;
+    trst_ = mode == "on" ? '0' : mode == "off" ? '1' : 'z';
+    if (unitsOfSecond_ == 0) return;
+    pins_ << now() + trst_ + "r\n";
+    pass(1);
+  }
+
+  void scan(Operation& scan) {
+    constexpr double kMicroseconds = 1e6;
+    list_ << numberText(std::floor(time_) / (unitsOfSecond_ / kMicroseconds)) +
+                 " us: " + listed(scan, kMostDigits) + "\n";
     const std::size_t bits = scan.tdi->size();
     for (std::size_t i = 0; i < bits; ++i) {
       const bool compared = scan.mask != nullptr && scan.mask->bit(i);
@@ -94,26 +113,30 @@ class Drawer {
   }
 
   void wait(const Wait& wait) {
-    const double needed = wait.seconds * kPicosecondsPerSecond / period_;
-    const double clocks = std::floor(std::min(std::max(wait.clocks, std::ceil(needed)), 1e18));
+    const double needed = std::ceil(wait.seconds * hertz_);
+    const double clocks = std::floor(std::min(std::max(wait.clocks, needed), kMostUnits));
     const double drawn = std::min(clocks, kDrawnClocks);
     for (double i = 0; i < drawn; ++i) clock(state_, '1', 'x');
     if (clocks == drawn) return;
-    output_ << "#" + std::to_string(time()) + "\nzc\n";
-    pass((clocks - drawn) * period_);
+    pins_ << now() + "zc\n";
+    pass(clocks - drawn);
   }
 
-  Output& output_;
+  Output& pins_;
+  Output& list_;
+  double firstHertz_;
+  double hertz_;
+  double unitsOfSecond_ = 0;  // before the first clock
+  double time_ = 0;           // in units
+  char trst_ = 'z';
   TapState state_ = TapState::kReset;
-  std::string pins_ = "11x0";  // TMS, TDI, TDO, comparison
-  double picoseconds_ = 0;
-  double period_ = 1e6;  // of TCK, picoseconds
+  std::string levels_ = "11x0";  // TMS, TDI, TDO, comparison
 };
 
 }  // namespace
 
-void writeVcd(Reader& reader, Output& output) {
-  Drawer drawer(output);
+void writeVcd(Reader& reader, double tckHertz, Output& pins, Output& list) {
+  Drawer drawer(tckHertz, pins, list);
   Operation operation;
   while (reader.next(operation), operation.kind != Kind::kEnd) drawer.draw(operation);
   drawer.end();

@@ -7,305 +7,236 @@
 namespace tapforge_replay {
 namespace {
 
-constexpr double kDefaultHertz = 1e6;
-constexpr double kMostHertz = 1e19;
-constexpr std::size_t kMostPairs = 1 << 20;
-constexpr double kSinglePrecision = 2e-7;  // relative error of a product that a converter makes
+using Verdict = WaitPair::Verdict;
 
-// Rounding here must not turn equal amounts into different ones.
-double slackOf(double clocks) { return 1e-6 + clocks * 1e-9; }
+constexpr double kUsualHertz = 1e6;  // to tell amounts where no rate is known
+constexpr double kClockSlack = 5e-7;
+constexpr double kDigitsOfTime = 1e-15;
+constexpr double kTimeTolerance = 0.005;
+constexpr double kClockTolerance = 1e-7;
+constexpr std::size_t kMostFirst = 32;
 
-// The number with the fewest digits that lies between two.
-double roundest(double low, double high) {
-  for (double step = std::pow(10, std::floor(std::log10(high))); step >= 1; step /= 10) {
-    const double candidate = std::ceil(low / step) * step;
-    if (candidate <= high) return candidate;
-  }
-  return low;
-}
+constexpr std::size_t kMostOpen = 1000;
+constexpr double kMostRounded = 1.005;  // of a MAXIMUM
+constexpr double kLeast = 1e-6;         // clocks
 
-std::uint64_t countOf(std::span<const PlacedWait> waits) {
-  std::uint64_t count = 0;
-  for (const PlacedWait& wait : waits) count += wait.times;
-  return count;
-}
-
-TapState stateOf(std::span<const PlacedWait> waits) { return waits.front().wait.state; }
-
-std::string textOf(const char* file, std::span<const PlacedWait> waits) {
-  const PlacedWait& first = waits.front();
-  std::string text = file + (' ' + describe(first.place)) + " (" + describe(first.wait);
-  const std::uint64_t count = countOf(waits);
-  if (count > 1) text += " and " + std::to_string(count - 1) + " more";
-  return text + ')';
-}
+WaitList alone(const PlacedWait& wait) { return {{wait}, {}, 1}; }
 
 }  // namespace
 
-bool ClockRate::learn(double seconds, double clocks, double waits) {
-  if (given_ > 0 || seconds <= 0 || clocks <= 0) return true;
-  const double low = clocks / seconds * (1 - kSinglePrecision);
-  const double high = (clocks + waits) / seconds * (1 + kSinglePrecision);
-  if (!(high <= kMostHertz)) return true;  // no clock of a TAP; nor is an overflow
-  if (learned_ <= 0 || low > high_) {
-    const bool first = learned_ <= 0;
-    low_ = low;
-    high_ = high;
-    learned_ = roundest(low, high);
-    return first;
+void WaitList::Sum::add(const PlacedWait& wait, bool isTime) {
+  clocks += isTime ? 0 : std::ceil(wait.wait.clocks);
+  seconds += isTime ? wait.wait.seconds : 0;
+  times += isTime ? 1 : 0;
+  hertz = std::max(hertz, wait.hertz);
+  maximum += wait.wait.maximum < 0 ? kAnyHertz : wait.wait.maximum;
+}
+
+// Where there are many, of one that asks for both no more is known than that it is no
+// longer than one after the other, and no shorter than its clocks.
+void WaitList::add(const PlacedWait& wait, bool isConverted) {
+  ++count;
+  if (first.size() < kMostFirst) {
+    first.push_back(wait);
+    return;
   }
-  if (high < low_) return true;  // this one is short itself
-  low_ = std::max(low_, low);
-  high_ = std::min(high_, high);
-  if (learned_ < low_ || learned_ > high_) learned_ = roundest(low_, high_);
-  return true;
+  const bool isClocks = wait.wait.clocks >= 0;
+  if (isClocks) others.add(wait, false);
+  if (!isClocks || (!isConverted && wait.wait.seconds > 0)) others.add(wait, true);
 }
 
-double ClockRate::hertz() const {
-  if (given_ > 0) return given_;
-  if (learned_ > 0) return learned_;
-  return suggested_ > 0 ? suggested_ : kDefaultHertz;
-}
-
-double WaitComparison::clocksOf(const Wait& wait) const {
-  return wait.seconds < 0 ? wait.clocks : std::max(wait.clocks, wait.seconds * rate_.hertz());
-}
-
-double WaitComparison::clocksOf(Run run) const {
-  double sum = 0;
-  for (const PlacedWait& wait : run) sum += clocksOf(wait.wait) * static_cast<double>(wait.times);
+WaitList::Sum WaitList::sumAt(double rate) const {
+  Sum sum = others;
+  for (const PlacedWait& each : first) sum.add(each, each.wait.clocks < each.wait.seconds * rate);
   return sum;
 }
 
-std::vector<WaitComparison::Run> WaitComparison::runsOf(const std::vector<PlacedWait>& waits) {
-  std::vector<Run> runs;
-  for (const PlacedWait& wait : waits) {
-    const bool more = !runs.empty() && runs.back().front().position == wait.position;
-    if (more) {
-      runs.back() = {runs.back().data(), runs.back().size() + 1};
-    } else {
-      runs.emplace_back(&wait, 1);
+std::string WaitList::text() const {
+  if (first.empty()) return "(none)";
+  const std::string more = count > 1 ? " and " + std::to_string(count - 1) + " more" : "";
+  return describe(first[0].place) + " (" + describe(first[0].wait) + more + ")";
+}
+
+std::string WaitPair::text() const { return "source " + from.text() + ", converted " + to.text(); }
+
+double WaitPair::missingAt(double rate) const {
+  const WaitList::Sum asked = from.sumAt(rate);
+  const WaitList::Sum given = to.sumAt(rate);
+  const double clocks = std::fma(asked.seconds - given.seconds, rate, asked.clocks - given.clocks);
+  const double slack = asked.times == 0 ? 0 : kClockSlack + asked.seconds * rate * kDigitsOfTime;
+  return std::abs(clocks) <= slack ? 0 : clocks;
+}
+
+// Times that stayed times have lost digits, those that became clocks a part of one;
+// clocks may lose nothing, and no wait may get lost.
+double WaitPair::toleranceAt(double rate) const {
+  const WaitList::Sum asked = from.sumAt(rate);
+  const double clocks = asked.seconds * rate;
+  if (to.count == 0) return 0;
+  if (to.sumAt(kAnyHertz).times > 0) return clocks * kTimeTolerance;
+  return std::max(static_cast<double>(asked.times), clocks * kClockTolerance) + kClockSlack;
+}
+
+WaitPair::Judgement WaitPair::judge(double tckHertz) const {
+  Judgement result;
+  const bool isSystem = (from.count == 0 ? to : from).first[0].wait.systemClock;
+  const bool isTime = to.sumAt(kAnyHertz).times > 0;
+  double limit = tckHertz > 0 ? tckHertz : from.sumAt(0).hertz;
+  if (isSystem || from.count == 0) limit = kAnyHertz;
+  const bool becameClocks = !isTime && !isSystem && to.count > 0 && missingAt(0) <= 0;
+  if (becameClocks && missingAt(kAnyHertz) > 0) {
+    double beyond = kAnyHertz;
+    result.holdsUpTo = 0;
+    for (int i = 0; i < 100; ++i) {
+      const double middle = (result.holdsUpTo + beyond) / 2;
+      (missingAt(middle) > 0 ? beyond : result.holdsUpTo) = middle;
     }
+    if (limit == kAnyHertz) result.verdict = Verdict::kUnknownRate;
   }
-  return runs;
+  result.rate = limit < kAnyHertz ? limit : kUsualHertz;
+  result.missing = missingAt(result.rate);
+  result.tolerance = toleranceAt(result.rate);
+  if (result.verdict == Verdict::kUnknownRate) return result;
+
+  // What is given grows evenly between these rates, and what is asked for never slower
+  // than before, so that most is missing at one of them.
+  std::vector<double> rates = {0, limit};
+  for (const PlacedWait& each : to.first) {
+    const double bend = each.wait.clocks / each.wait.seconds;
+    if (bend > 0 && bend < limit) rates.push_back(bend);
+  }
+  for (const double rate : rates) {
+    const double missing = missingAt(rate);
+    if (missing <= 0) continue;
+    const auto verdict = missing <= toleranceAt(rate) ? Verdict::kRounded : Verdict::kShorter;
+    result.verdict = std::max(result.verdict, verdict);
+    if (rate <= result.rate) result.missing = std::max(result.missing, missing);
+  }
+  if (result.verdict > Verdict::kSame) return result;
+  if (isTime) result.missing = std::min(result.missing, missingAt(0));
+  const double roundedUp = isTime ? 0 : result.tolerance;
+  if (result.missing < -roundedUp) result.verdict = Verdict::kLonger;
+  return result;
 }
 
-void WaitComparison::checkMaximum(const PlacedWait& source, Run converted) {
-  const auto keeps = [&source](const PlacedWait& wait) {
-    return wait.wait.maximum == source.wait.maximum;
+// A wait is compared with another one alone first, so that the one that differs is
+// told. What is left of both files goes together at the end of the place.
+void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
+  isEmpty_ = false;
+  WaitPair& pair =
+      pairs_[static_cast<std::size_t>(wait.wait.state) * 2 + (wait.wait.systemClock ? 1 : 0)];
+  WaitList& others = isConverted ? pair.from : pair.to;
+  const auto goesWith = [&](const PlacedWait& other) {
+    if (other.wait == wait.wait) return true;
+    const WaitPair both{alone(isConverted ? other : wait), alone(isConverted ? wait : other)};
+    const WaitPair::Judgement judgement = both.judge(tckHertz_);
+    if (judgement.verdict > Verdict::kRounded) return false;
+    tell(both, judgement);
+    return true;
   };
-  if (source.wait.maximum < 0 || std::any_of(converted.begin(), converted.end(), keeps)) return;
-  findings_.add(
-      Difference::kMaximumTimes, 0,
-      [&] {
-        return textOf("source", {&source, 1});
-      },
-      source.times);
-}
-
-void WaitComparison::judge(double missing, Run source, Run converted) {
-  const auto text = [&] {
-    return textOf("source", source) + ", " + textOf("converted", converted);
-  };
-  const std::uint64_t waits = countOf(source);
-  const double slack = slackOf(clocksOf(source));
-  const auto systemClock = [](Run run) { return run.front().wait.systemClock; };
-  if (missing > slack) {
-    short_.push_back({missing, text(), waits, {}, false});
-  } else if (stateOf(source) != stateOf(converted) ||
-             systemClock(source) != systemClock(converted)) {
-    findings_.add(Difference::kMovedWaits, 0, text, waits);
-  } else if (-missing > slack) {
-    extra_.push_back({-missing, text(), 1, textOf("converted", converted), false});
+  const bool isAll = others.count == others.first.size();  // or none can be told
+  const auto end = others.first.end();
+  const auto found = isAll ? std::find_if(others.first.begin(), end, goesWith) : end;
+  if (found == end) {
+    (isConverted ? pair.to : pair.from).add(wait, isConverted);
   } else {
-    same_ += waits;
+    others.first.erase(found);
+    --others.count;
   }
 }
 
-void WaitComparison::one(const PlacedWait& source, const PlacedWait& converted) {
-  checkMaximum(source, {&converted, 1});
-  const Wait& from = source.wait;
-  const Wait& to = converted.wait;
-  double missing = 0;  // clocks
-  if ((from.clocks < 0) == (to.clocks < 0) && (from.seconds < 0) == (to.seconds < 0)) {
-    // Each amount is asked for on its own; what one has too much does not help the other.
-    const double clocks = from.clocks - to.clocks;
-    const double time = (from.seconds - to.seconds) * rate_.hertz();
-    missing = std::max(clocks, time) > 0 ? std::max(clocks, time) : std::min(clocks, time);
-  } else {
-    usedRate_ = true;
-    missing = clocksOf(from) - clocksOf(to);
-  }
-  judge(missing, {&source, 1}, {&converted, 1});
+bool WaitComparison::isEven() const {
+  return std::all_of(pairs_.begin(), pairs_.end(), [](const auto& pair) { return pair.isEmpty(); });
 }
 
-void WaitComparison::learnRate(Run source, Run converted) {
-  double seconds = 0;
-  double counts = 0;
-  std::uint64_t times = 0;
-  for (const PlacedWait& wait : source) {
-    const bool isTime = wait.wait.seconds >= 0;
-    if (isTime && wait.wait.clocks >= 0) return;  // a form may take one of them, or both
-    const auto repeated = static_cast<double>(wait.times);
-    (isTime ? seconds : counts) += repeated * std::max(wait.wait.clocks, wait.wait.seconds);
-    times += isTime ? wait.times : 0;
+void WaitComparison::closePlace() {
+  isEmpty_ = true;
+  for (WaitPair& pair : pairs_) {
+    if (pair.isEmpty()) continue;
+    tell(pair, pair.judge(tckHertz_));
+    pair = {};
   }
-  const auto isTime = [](const PlacedWait& wait) { return wait.wait.seconds >= 0; };
-  if (times == 0 || std::any_of(converted.begin(), converted.end(), isTime)) return;
-  // There must be no wait among them that is not the source's.
-  const std::uint64_t parts = countOf(converted);
-  const double part = converted.front().wait.clocks;
-  const bool isCut = inParts_ && countOf(source) == 1 && converted.back().wait.clocks <= part &&
-                     std::all_of(converted.begin(), converted.end() - 1,
-                                 [&](const PlacedWait& wait) { return wait.wait.clocks == part; });
-  if (parts != countOf(source) && !isCut && (inParts_ || parts != 1)) return;
-  if (!rate_.learn(seconds, clocksOf(converted) - counts, static_cast<double>(times))) {
-    findings_.add(
-        Difference::kShorterWaits, 0, [this] { return firstTime_; }, timesJudged_);
-    same_ -= std::min(same_, timesJudged_);
-    timesJudged_ = 0;
-  }
-  if (timesJudged_ == 0) firstTime_ = textOf("source", source);
-  timesJudged_ += times;
 }
 
-void WaitComparison::pair(Run source, Run converted, bool learn) {
-  if (learn) learnRate(source, converted);
-  const auto sameTimes = [](const PlacedWait& left, const PlacedWait& right) {
-    return left.times == right.times;
-  };
-  if (std::equal(source.begin(), source.end(), converted.begin(), converted.end(), sameTimes)) {
-    for (std::size_t i = 0; i < source.size(); ++i) one(source[i], converted[i]);
-    return;
-  }
-  for (const PlacedWait& wait : source) {
-    usedRate_ = usedRate_ || wait.wait.seconds >= 0;
-    checkMaximum(wait, converted);
-  }
-  judge(clocksOf(source) - clocksOf(converted), source, converted);
-}
-
-// One by one where there are as many. Else the pairing in which most goes together,
-// as long as that is not too much work.
-std::vector<std::size_t> WaitComparison::align(const std::vector<Run>& source,
-                                               const std::vector<Run>& converted) const {
-  const std::size_t rows = source.size() + 1;
-  const std::size_t columns = converted.size() + 1;
-  std::vector<std::size_t> pairs(source.size(), converted.size());
-  if (rows == columns || converted.empty() || rows * columns > kMostPairs) {
-    for (std::size_t i = 0; i < pairs.size(); ++i) pairs[i] = i;
-    return pairs;
-  }
-  const auto likeness = [this](Run from, Run to) -> unsigned {
-    const double missing = clocksOf(from) - clocksOf(to);
-    if (stateOf(from) != stateOf(to)) return 1;
-    return std::abs(missing) <= slackOf(clocksOf(from)) ? 5 : missing < 0 ? 3 : 2;
-  };
-  std::vector<unsigned> best(rows * columns);  // of the first so many runs of both
-  const auto at = [columns](std::size_t i, std::size_t j) { return i * columns + j; };
-  for (std::size_t i = 1; i < rows; ++i) {
-    for (std::size_t j = 1; j < columns; ++j) {
-      const unsigned together = best[at(i - 1, j - 1)] + likeness(source[i - 1], converted[j - 1]);
-      best[at(i, j)] = std::max({best[at(i - 1, j)], best[at(i, j - 1)], together});
-    }
-  }
-  for (std::size_t i = rows - 1, j = columns - 1; i > 0 && j > 0;) {
-    if (best[at(i, j)] == best[at(i - 1, j)]) {
-      --i;
-    } else if (best[at(i, j)] == best[at(i, j - 1)]) {
-      --j;
-    } else {
-      pairs[--i] = --j;
-    }
-  }
-  return pairs;
-}
-
-bool WaitComparison::claim(std::vector<Open>& extra, Open& lost) {
-  // What a wait lacks is not made up for by another one that is too long.
-  const auto helps = [&lost](const Open& item) { return lost.whole || item.whole; };
-  double sum = 0;
-  for (const Open& item : extra) sum += helps(item) ? item.clocks : 0;
-  if (sum + slackOf(lost.clocks) < lost.clocks) return false;
-  double left = lost.clocks;
-  std::string text;
-  for (Open& item : extra) {
-    if (item.clocks <= 0 || left <= 0 || !helps(item)) continue;
-    if (text.empty()) text = item.converted;
-    const double part = std::min(left, item.clocks);
-    item.clocks -= part;
-    left -= part;
-  }
+void WaitComparison::tell(Difference difference, double size, const WaitPair& pair) {
   findings_.add(
-      Difference::kMovedWaits, lost.clocks,
-      [&] { return lost.text + (text.empty() ? "" : ", now part of " + text); }, lost.waits);
+      difference, size, [&pair] { return pair.text(); },
+      pair.from.count > 0 ? pair.from.count : pair.to.count);
+}
+
+void WaitComparison::tell(const WaitPair& pair, const WaitPair::Judgement& judgement) {
+  const bool isShorter = judgement.verdict == Verdict::kShorter;
+  limitTo(isShorter && judgement.holdsUpTo == kAnyHertz ? 0 : judgement.holdsUpTo);
+  if (lost_.size() + extra_.size() > kMostOpen) endGap();
+  if (isShorter) tellShorter(pair, judgement);
+  if (judgement.verdict == Verdict::kLonger) extra_.push_back({-judgement.missing, pair, gap_});
+  if (judgement.verdict == Verdict::kRounded) {
+    tell(Difference::kRoundedWaits, judgement.missing, pair);
+  } else if (judgement.verdict == Verdict::kUnknownRate) {
+    tell(Difference::kUnknownRate, judgement.missing, pair);
+  }
+  tellMaximum(pair, judgement);
+}
+
+// Where one of several waits is as long as what is missing, it is this one.
+void WaitComparison::tellShorter(const WaitPair& pair, const WaitPair::Judgement& judgement) {
+  const bool isAll = pair.to.count == 0 && pair.from.count == pair.from.first.size();
+  for (const PlacedWait& each : pair.from.first) {
+    const WaitPair lost{alone(each), {}};
+    const double clocks = lost.from.sumAt(judgement.rate).clocksAt(judgement.rate);
+    const bool isIt = std::abs(clocks - judgement.missing) <= judgement.tolerance;
+    if (isAll || (isIt && pair.from.count > 1)) lost_.push_back({clocks, lost, gap_});
+    if (isIt && pair.from.count > 1) return;
+  }
+  if (!isAll) lost_.push_back({judgement.missing, pair, gap_});
+}
+
+// A MAXIMUM of the source may get lost or grow; one that it does not have binds the
+// player, and a wait may have become longer than its own.
+void WaitComparison::tellMaximum(const WaitPair& pair, const WaitPair::Judgement& judgement) {
+  if (pair.to.count == 0) return;
+  const double asked = pair.from.sumAt(judgement.rate).maximum;
+  const double most = pair.from.count > 0 ? std::min(asked, kAnyHertz) : kAnyHertz;
+  const WaitList::Sum given = pair.to.sumAt(judgement.rate);
+  const double lasts = given.clocksAt(judgement.rate) / judgement.rate;
+  const bool isLonger = judgement.verdict == Verdict::kLonger && lasts > most;
+  if (isLonger || given.maximum * kMostRounded < most) {
+    tell(Difference::kBeyondMaximum, lasts, pair);
+  } else if (std::min(given.maximum, kAnyHertz) != most) {
+    tell(Difference::kMaximumTimes, 0, pair);
+  }
+}
+
+// What is missing may be left over elsewhere. But what a wait lacks is not made up for
+// by another one that is too long.
+bool WaitComparison::isMoved(const Open& lost) {
+  const auto holds = [&lost](const Open& extra) {
+    return extra.clocks > 0 && extra.clocks >= lost.clocks - kLeast &&
+           (lost.isWhole() || extra.isWhole());
+  };
+  const auto extra = std::find_if(extra_.begin(), extra_.end(), holds);
+  if (extra == extra_.end()) return false;
+  extra->clocks -= lost.clocks;
+  tell(Difference::kMovedWaits, lost.clocks, {lost.waits.from, extra->waits.to});
   return true;
 }
 
-void WaitComparison::compare(const std::vector<PlacedWait>& source,
-                             const std::vector<PlacedWait>& converted) {
-  const auto equal = [](const PlacedWait& left, const PlacedWait& right) {
-    return left.wait == right.wait && left.times == right.times && left.position == right.position;
-  };
-  const std::uint64_t count = countOf(source);
-  count_ += count;
-  if (lostBefore_.empty() && extraBefore_.empty() &&
-      std::equal(source.begin(), source.end(), converted.begin(), converted.end(), equal)) {
-    same_ += count;
-    return;
-  }
-  const std::vector<Run> from = runsOf(source);
-  const std::vector<Run> to = runsOf(converted);
-  std::vector<bool> taken(to.size());
-  const std::vector<std::size_t> pairs = align(from, to);
-  const bool inStep = from.size() == to.size();
-  for (std::size_t i = 0; i < from.size(); ++i) {
-    if (const std::size_t at = pairs[i]; at < to.size()) {
-      taken[at] = true;
-      pair(from[i], to[at], inStep && stateOf(from[i]) == stateOf(to[at]));
-      continue;
-    }
-    for (const PlacedWait& wait : from[i]) {
-      const Run alone(&wait, 1);
-      const double clocks = clocksOf(alone);
-      if (clocks > 0) lost_.push_back({clocks, textOf("source", alone), wait.times});
-      same_ += clocks > 0 ? 0 : wait.times;
-    }
-  }
-  for (std::size_t i = 0; i < to.size(); ++i) {
-    const double clocks = taken[i] ? 0 : clocksOf(to[i]);
-    if (clocks > 0)
-      extra_.push_back({clocks, textOf("converted", to[i]), 1, textOf("converted", to[i])});
-  }
-
-  // What is missing here may be found beside it: between these two scans, or, if it
-  // is all of a wait, after the scan before or still after the next one.
-  for (Open& part : short_) {
-    if (claim(extra_, part)) continue;
-    findings_.add(
-        Difference::kShorterWaits, part.clocks, [&] { return part.text; }, part.waits);
-  }
-  short_.clear();
-  std::erase_if(lost_, [this](Open& lost) { return claim(extra_, lost); });
-  for (Open& lost : lostBefore_) {
-    if (claim(extra_, lost)) continue;
-    findings_.add(
-        Difference::kLostWaits, lost.clocks, [&] { return lost.text; }, lost.waits);
-  }
-  std::erase_if(lost_, [this](Open& lost) { return claim(extraBefore_, lost); });
-  for (const Open& extra : extraBefore_) {
-    if (extra.clocks <= slackOf(0)) continue;
-    findings_.add(Difference::kLongerWaits, extra.clocks, [&] { return extra.text; });
-  }
-  lostBefore_.swap(lost_);
-  extraBefore_.swap(extra_);
-  lost_.clear();
-  extra_.clear();
-}
-
-void WaitComparison::finish() {
-  compare({}, {});
-  compare({}, {});
+// Whole waits may be left over on the other side of a scan.
+void WaitComparison::endGap() {
+  std::erase_if(lost_, [this](const Open& lost) {
+    if (isMoved(lost)) return true;
+    if (lost.isWhole() && lost.gap == gap_) return false;
+    tell(lost.isWhole() ? Difference::kLostWaits : Difference::kShorterWaits, lost.clocks,
+         lost.waits);
+    return true;
+  });
+  std::erase_if(extra_, [this](const Open& extra) {
+    if (extra.clocks <= kLeast) return true;
+    if (extra.gap == gap_) return false;
+    tell(Difference::kLongerWaits, extra.clocks, extra.waits);
+    return true;
+  });
+  ++gap_;
 }
 
 }  // namespace tapforge_replay

@@ -1,108 +1,119 @@
 #ifndef TAPFORGE_REPLAY_WAITS_H_
 #define TAPFORGE_REPLAY_WAITS_H_
 
-#include <cstddef>
+#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "replay/findings.h"
 #include "replay/operation.h"
 
+/// What waits ask for, and whether others give it. A wait asks for the larger of its
+/// clocks and its time, so what a place of the walk asks for is a sum of these larger
+/// ones, and depends on the rate of TCK. It is given when the sum of the other file is
+/// no smaller at any rate up to the one in force.
+
 namespace tapforge_replay {
 
-/// The TCK frequency by which a conversion turned times into clocks.
-class ClockRate {
- public:
-  /// In Hz; 0: to be found out.
-  explicit ClockRate(double given) : given_(given) {}
+constexpr double kAnyHertz = 1e15;  ///< where no rate is known
 
-  /// The source's FREQUENCY, for want of anything better.
-  void suggest(double hertz) { suggested_ = hertz; }
-
-  /// Takes it from waits of so many seconds that became so many clocks, each
-  /// with the fraction of a clock dropped. Returns false when earlier waits
-  /// were taken for a lower frequency, so that they are too short.
-  bool learn(double seconds, double clocks, double waits);
-
-  double hertz() const;
-  bool isLearned() const { return given_ <= 0 && learned_ > 0; }
-  bool isSuggested() const { return given_ <= 0 && learned_ <= 0; }
-
- private:
-  double given_;
-  double suggested_ = 0;
-  double learned_ = 0;
-  double low_ = 0;  // what the waits so far allow
-  double high_ = 0;
-};
-
-/// A wait between two scans, or equal ones in a row.
 struct PlacedWait {
   Wait wait;
-  std::size_t position = 0;  ///< waits with the same one have no move between them
-  Place place;               ///< of the first
-  std::uint64_t times = 1;
+  Place place;
+  double hertz = 0;  ///< of the FREQUENCY in force
 };
 
-/// Compares the waits of two files, those between two scans at a time.
-class WaitComparison {
- public:
-  /// `inParts`: the converted form cuts long waits into parts.
-  WaitComparison(ClockRate& rate, Findings& findings, bool inParts)
-      : rate_(rate), findings_(findings), inParts_(inParts) {}
-
-  void compare(const std::vector<PlacedWait>& source, const std::vector<PlacedWait>& converted);
-  void finish();  ///< at the end of both files
-
-  std::uint64_t count() const { return count_; }  ///< waits of the source
-  std::uint64_t same() const { return same_; }
-  bool usedRate() const { return usedRate_; }  ///< times were compared with clocks
-
- private:
-  using Run = std::span<const PlacedWait>;  // waits without a move between them
-
-  // A wait of the source that was not found, what is missing of one, or what the
-  // converted file waits beyond the source.
-  struct Open {
+/// Waits of a file in one TAP state by one clock: the first ones, and sums of others.
+struct WaitList {
+  struct Sum {
     double clocks = 0;
-    std::string text;
-    std::uint64_t waits = 1;
-    std::string converted{};  // of text, the part about that file
-    bool whole = true;        // a wait, not a part of one
+    double seconds = 0;
+    std::uint64_t times = 0;  ///< waits that are in the sum by their time
+    double hertz = 0;         ///< the highest FREQUENCY
+    double maximum = 0;       ///< seconds, far too many where one has no MAXIMUM
+
+    void add(const PlacedWait& wait, bool isTime);
+    double clocksAt(double rate) const { return clocks + seconds * rate; }
   };
 
-  // For each run of the source the index of the converted one that goes with it,
-  // or a number above all of these.
-  std::vector<std::size_t> align(const std::vector<Run>& source,
-                                 const std::vector<Run>& converted) const;
-  static std::vector<Run> runsOf(const std::vector<PlacedWait>& waits);
-  void pair(Run source, Run converted, bool learn);
-  void learnRate(Run source, Run converted);
-  void one(const PlacedWait& source, const PlacedWait& converted);
-  void judge(double missing, Run source, Run converted);
-  double clocksOf(const Wait& wait) const;
-  double clocksOf(Run run) const;
-  bool claim(std::vector<Open>& extra, Open& lost);
-  void checkMaximum(const PlacedWait& source, Run converted);
+  std::vector<PlacedWait> first;
+  Sum others;
+  std::uint64_t count = 0;
 
-  ClockRate& rate_;
+  void add(const PlacedWait& wait, bool isConverted);
+  Sum sumAt(double rate) const;  ///< of each wait what is larger at this rate
+  std::string text() const;
+};
+
+/// What two files wait at one place.
+struct WaitPair {
+  enum class Verdict { kSame, kRounded, kShorter, kUnknownRate, kLonger };
+  struct Judgement {
+    Verdict verdict = Verdict::kSame;
+    double rate = 0;               ///< at which the amounts are told, in Hz
+    double missing = 0;            ///< clocks; below 0: there are more than asked for
+    double tolerance = 0;          ///< clocks that rounding may lose
+    double holdsUpTo = kAnyHertz;  ///< Hz, where times became clocks
+  };
+
+  WaitList from;
+  WaitList to;
+
+  bool isEmpty() const { return from.count + to.count == 0; }
+  std::string text() const;
+  /// `tckHertz`: the rate of the board, 0 if it is not known. One of both is not empty.
+  Judgement judge(double tckHertz) const;
+
+ private:
+  double missingAt(double rate) const;
+  double toleranceAt(double rate) const;
+};
+
+/// Compares the waits of two files, those of a place at a time: between them neither
+/// file enters a state or says anything that both have.
+class WaitComparison {
+ public:
+  /// `tckHertz`: the rate of the board, 0 if it is not known.
+  WaitComparison(double tckHertz, Findings& findings) : tckHertz_{tckHertz}, findings_{findings} {}
+
+  void add(const PlacedWait& wait, bool isConverted);
+  void endPlace() {
+    if (!isEmpty_) closePlace();
+  }
+  bool isEven() const;  ///< no wait of this place is left over
+  void endGap();  ///< at a scan, and once more at the end of the files
+
+  /// The rate up to which all waits are long enough: kAnyHertz if they do not depend
+  /// on it, 0 if some are too short at each.
+  double holdsUpTo() const { return holdsUpTo_; }
+  void limitTo(double hertz) { holdsUpTo_ = std::min(holdsUpTo_, hertz); }
+
+ private:
+  // Whole waits, or what is missing or left over of some.
+  struct Open {
+    double clocks;
+    WaitPair waits;
+    std::uint64_t gap;
+    bool isWhole() const { return waits.from.count * waits.to.count == 0; }
+  };
+
+  void closePlace();
+  void tell(const WaitPair& pair, const WaitPair::Judgement& judgement);
+  void tell(Difference difference, double size, const WaitPair& pair);
+  void tellMaximum(const WaitPair& pair, const WaitPair::Judgement& judgement);
+  void tellShorter(const WaitPair& pair, const WaitPair::Judgement& judgement);
+  bool isMoved(const Open& lost);
+
+  double tckHertz_;
   Findings& findings_;
-  bool inParts_;
-  std::uint64_t count_ = 0;
-  std::uint64_t same_ = 0;
-  bool usedRate_ = false;
-
-  // Times judged by the rate so far: should it prove too low, they are too short.
-  std::uint64_t timesJudged_ = 0;
-  std::string firstTime_;
-
-  std::vector<Open> short_;
-  std::vector<Open> lost_;
+  std::array<WaitPair, 32> pairs_;  // in each state by each clock
+  bool isEmpty_ = true;             // all of these
+  double holdsUpTo_ = kAnyHertz;
+  std::uint64_t gap_ = 0;
+  std::vector<Open> lost_;  // here and between the two scans before
   std::vector<Open> extra_;
-  std::vector<Open> lostBefore_;  // between the two scans before
-  std::vector<Open> extraBefore_;
 };
 
 }  // namespace tapforge_replay

@@ -14,6 +14,7 @@ import sys
 FEATURES = {
     "sharing",  # statements that share a line
     "hidden",  # ... also after a header, trailer, FREQUENCY, TRST or PIO
+    "remarks",  # comments in and behind what is neither scan nor header nor trailer
     "smask", "pio", "frequency", "fine-frequency", "reset-line",
     "chain-tdo", "ir-tdo",  # TDO and MASK of header and trailer, of SIR
     "times", "fine-times",  # RUNTEST in seconds, with more than three digits
@@ -64,13 +65,13 @@ class Generator:
             if not value:
                 word = self.pick(word.upper(), word.lower(), word.capitalize())
             self.text += word, self.pick("\t ", "\n") if self.one_in(10) else " "
-            if self.comments and self.one_in(60):
+            if self.remarks and self.one_in(60):
                 self.comment()
 
     def end(self, hides=False):
         shared = "sharing" in self.has and self.one_in(6) and ("hidden" in self.has or not hides)
         self.text.append(";" + " " * self.random.randrange(4))
-        if self.comments and self.one_in(8):
+        if self.remarks and self.one_in(8):
             self.comment()
         elif not shared:
             self.text.append("\n")
@@ -156,6 +157,7 @@ class Generator:
         if kind == "wait" and not self.after_scan and "loose-waits" not in self.has:
             kind = "sdr"
         after_scan, self.after_scan = self.after_scan, False
+        self.remarks = self.comments and ("remarks" in self.has or kind in ("sdr", "sir", "chain"))
         if kind in ("sdr", "sir"):
             self.scan(kind)
         elif kind == "chain":

@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Runs what becomes of the examples in a Tcl shell: tcl_test.py TAPFORGE ...
+"""Runs Tcl in a Tcl shell: tcl_test.py [EMULATOR ...] TAPFORGE TAPFORGE-REPLAY
 
 With -tapbus -c a script runs to its end and does every scan, move and wait of its source, in their
-order; the tapbus commands are stubs that print what they do. Without -c a Tcl shell stops in it."""
+order; the tapbus commands are stubs that print what they do. Without -c a Tcl shell stops in it.
+tapforge-replay lists what the shell does, and refuses what stops the shell or is changed by it."""
 import pathlib, re, shutil, subprocess, sys, tempfile, unittest
 
-PROGRAM, sys.argv[1:] = sys.argv[1:], []  # an emulator may stand in front
+*EMULATOR, TAPFORGE, REPLAY = sys.argv[1:]
+del sys.argv[1:]
 EXAMPLES = pathlib.Path(__file__).resolve().parent.parent / "examples"
 STUBS = """
 proc step {word names arguments} {
@@ -19,6 +21,20 @@ proc run_state_tapbus args { puts STATE }
 proc set_property {name value object} { if {$object ne "cable"} { error "no object $object" } }
 set current_tapbus cable
 """
+RUN = ["""# [exit] $x " { ; scan_ir_tapbus 1 -tdi 1
+\tscan_ir_tapbus  8 -tdi {2C} -mask "FF";;run_state_tapbus Idle\r\n; # run_state_tapbus IDLE\v
+puts "--- line 3";scan_dr_tapbus 4 -tdi 0""", "#\rrun_state_tapbus IDLE\r",
+       """# C:\\work\\
+scan_ir_tapbus 8 -tdi 01
+# C:\\\\
+scan_ir_tapbus 9 -tdi 01 -tdo 01
+set_property ENDSTATE_DR {DRPAUSE} $current_tapbus
+runtest_tapbus -wait DRPAUSE -tck 7 -tck 8 -end_state idle"""]
+REFUSED = ["scan_ir_tapbus 8 -tdi 01 # x", "run_state_tapbus IDLE ! pause \"x", "SIR 8 TDI (01);",
+           "SCAN_IR_TAPBUS 8 -tdi 01", "scan_ir_tapbus 8 -TDI 01", "scan_ir_tapbus 8 -tdi (01)",
+           "runtest_tapbus -tck [llength x]", "runtest_tapbus -tck $tck", "runtest_tapbus -tck {1}2",
+           "runtest_tapbus \\\n-tck 1", "set_property hir_length {4} {$current_tapbus}",
+           "set_property hir_length {4} $current_tapbus ! x", "runtest_tapbus -tck 1 -wait"]
 STATEMENT = re.compile(r"(?m)(?:^|;)\s*(?:((?:SIR|SDR)\s+\d+)|(STATE|RUNTEST))\b")
 
 
@@ -27,8 +43,8 @@ class Scripts(unittest.TestCase):
     def run_script(self, example, *options):
         with tempfile.TemporaryDirectory() as folder:
             script = pathlib.Path(folder, "example.tcl")
-            subprocess.run([*PROGRAM, "-tapbus", *options, "-i", example, "-o", script], check=True,
-                           stdout=subprocess.DEVNULL)
+            command = [*EMULATOR, TAPFORGE, "-tapbus", *options, "-i", example, "-o", script]
+            subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
             script.write_text(STUBS + script.read_text())
             return subprocess.run(["tclsh", script], text=True, capture_output=True)
 
@@ -43,6 +59,24 @@ class Scripts(unittest.TestCase):
                 done = self.run_script(example, "-c", "-max_rti_tck", "1000000")
                 self.assertEqual((done.stderr, done.stdout.splitlines()), ("", steps))
                 self.assertNotEqual(self.run_script(example).returncode, 0)
+
+    def test_replay(self):
+        kinds = {"wait": "RUNTEST", "move": "STATE"}
+        with tempfile.TemporaryDirectory() as folder:
+            script, stubs = pathlib.Path(folder, "script.tcl"), pathlib.Path(folder, "stubs.tcl")
+            stubs.write_text(STUBS + f"source {{{script}}}")
+            for text in RUN + REFUSED:
+                script.write_bytes(("#\n" + text).encode())
+                shell = subprocess.run(["tclsh", stubs], text=True, capture_output=True)
+                listed = subprocess.run([*EMULATOR, REPLAY, script], text=True, capture_output=True)
+                words = [line.split()[2:] for line in listed.stdout.splitlines()]
+                steps = [kinds.get(word[0]) or "S" + " ".join(word[2:4])
+                         for word in words if word[0] != "end"]
+                with self.subTest(text):
+                    self.assertEqual(listed.returncode, 2 if text in REFUSED else 0, listed.stderr)
+                    if text in RUN:
+                        done = [line for line in shell.stdout.splitlines() if line[:2] != "--"]
+                        self.assertEqual((shell.stderr, done), ("", steps))
 
 
 if __name__ == "__main__":
