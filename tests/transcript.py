@@ -46,7 +46,7 @@ MASKS = [(r"(?m)^(  \*{4} Build date : )\w{3} [ \d]\d \d{4}-\d\d:\d\d:\d\d$", r"
 PREPARES = re.compile(r"(?m)^((?:KRUNTEST|KSDRSIZE|KTDOMASK) \w+(?=\nK)|KSTATE \w+(?=\nKSTATE))\n")
 # Documents that are known to have no examples; any other page without one has lost them.
 BARE = {"CHANGELOG.md", "bench/README.md", "docs/architecture.md", "docs/performance.md",
-        "docs/reliability.md"}
+        "docs/platforms.md", "docs/reliability.md"}
 FOLD = re.compile(r"(?=.{95})(.{50,91}\| |.{50,92} |[^\\\n]{93})")  # no line of a page is longer
 SPECIAL = {"\n": "\\n", "\r": "\\r", "\t": "\\t", "\\": "\\\\"}
 # The operands of each KSVF command: the bytes of a number, "v" for a vector.
