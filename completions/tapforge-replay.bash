@@ -2,9 +2,9 @@
 
 _tapforge_replay() {
   local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]} known
-  local classes="care compared-less compared-more end-states frequency longer-waits lost-waits
-    maximum-times moved-waits parallel-io reset-line reset-line-off shared-lines shorter-waits
-    state-moves"
+  local classes="beyond-maximum care compared-less compared-more end-states frequency longer-waits
+    lost-waits maximum-times moved-waits no-scans parallel-io reset-line reset-line-off
+    rounded-waits shorter-waits state-moves too-fast unknown-rate"
 
   COMPREPLY=()
   case $prev in

@@ -1,7 +1,9 @@
 // tapforge-replay: no file may crash it or keep it busy without end, and each file does
 // the same as itself. The first byte of an input chooses options; what follows a byte
-// 0x1E is a second file, which the first one is compared with. TMPDIR=/dev/shm makes it fast.
+// 0x1E is a second file, which the first one is compared with. The byte 0x1C ends an input
+// and begins another one. TMPDIR=/dev/shm makes it fast.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -24,7 +26,7 @@ struct TemporaryFile {
                                .string();
 };
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+static int testInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   constexpr std::size_t kMostDigits = 4;  // each bit of a scan becomes many characters
   if (text.empty() || tapforge::fuzz::hasLongNumber(text, kMostDigits)) return 0;
@@ -58,5 +60,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       tapforge::fuzz::require(same || kind == Difference::kNoScans, "a file is the same");
     }
   });
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::uint8_t* const dataEnd = data + size;
+  while (data < dataEnd) {
+    const std::uint8_t* const end = std::find(data + 1, dataEnd, 0x1C);
+    testInput(data, static_cast<std::size_t>(end - data));
+    data = end + (end < dataEnd ? 1 : 0);
+  }
   return 0;
 }

@@ -12,7 +12,6 @@ namespace tapforge_replay {
 namespace {
 
 using Kind = Operation::Kind;
-using Step = Steps::Kind;
 
 constexpr const char* kNotCompared = "; what follows was not compared";
 constexpr std::size_t kMostDigits = 16;        // of a value in a message
@@ -63,14 +62,14 @@ void Comparison::compareGap() {
   while (true) {
     bool isPassed = false;
     for (Side* side : {&source_, &converted_}) {
-      const bool isState = isAway_ && side->kind == Step::kState;
-      isPassed = isPassed || isState || side->kind == Step::kWait;
-      if (side->kind == Step::kWait) takeWait(*side);
+      const bool isState = isAway_ && side->kind == Kind::kMove;
+      isPassed = isPassed || isState || side->kind == Kind::kWait;
+      if (side->kind == Kind::kWait) takeWait(*side);
       if (isState) side->next();
     }
     if (isPassed) continue;
     if (source_.isGapOver() && converted_.isGapOver()) break;
-    if (source_.kind == Step::kSetting || converted_.kind == Step::kSetting) {
+    if (source_.isSetting() || converted_.isSetting()) {
       compareSettings();
     } else {
       compareStates();
@@ -79,12 +78,11 @@ void Comparison::compareGap() {
   if (!isRateCompared_) compareRates();
   waits_.endPlace();
   waits_.endGap();
-  const bool isScan = source_.kind == Step::kScan && converted_.kind == Step::kScan;
-  const bool isAlike = isScan ? source_.operation.instruction == converted_.operation.instruction
-                              : source_.kind == converted_.kind;
-  if (!isAway_ || !isAlike) return;  // that is told of the scans
-  tell(isMove_ ? Difference::kStateMoves : Difference::kEndStates, source_.detour,
-       converted_.detour);
+  // Another scan, or the end in place of one, is told as that.
+  if (isAway_ && isSameScan()) {
+    tell(isMove_ ? Difference::kStateMoves : Difference::kEndStates, source_.detour,
+         converted_.detour);
+  }
 }
 
 void Comparison::takeWait(Side& side) {
@@ -120,11 +118,11 @@ void Comparison::compareStates() {
 void Comparison::compareSettings() {
   const Operation& from = source_.operation;
   const Operation& to = converted_.operation;
-  const bool isKind = source_.kind == converted_.kind && from.kind == to.kind;
+  const bool isKind = source_.kind == converted_.kind;
   const bool isSame =
       isKind && (from.kind == Kind::kFrequency ? from.hertz == to.hertz : from.word == to.word);
   const bool isBoth = isSame || (isKind && waits_.isEven());
-  const bool isLost = source_.kind == Step::kSetting && !isBoth;
+  const bool isLost = source_.isSetting() && !isBoth;
   const Operation& setting = isLost ? from : to;
   const auto isOn = [](const Operation& operation) {
     return operation.kind == Kind::kResetLine && operation.word == "on";
@@ -161,16 +159,22 @@ void Comparison::compareRates() {
   }
 }
 
-bool Comparison::compareScans() {
-  if (source_.kind == Step::kEnd && converted_.kind == Step::kEnd) return false;
+// Or the end of both files.
+bool Comparison::isSameScan() const {
   const Operation& from = source_.operation;
   const Operation& to = converted_.operation;
-  if (source_.kind != converted_.kind || from.instruction != to.instruction ||
-      from.tdi->size() != to.tdi->size()) {
+  return source_.kind == converted_.kind &&
+         (source_.kind == Kind::kEnd ||
+          (from.instruction == to.instruction && from.tdi->size() == to.tdi->size()));
+}
+
+bool Comparison::compareScans() {
+  const bool isSame = isSameScan();
+  if (!isSame) {
     tell(Difference::kScans, source_.text(), converted_.text() + kNotCompared);
     converted_.skipToEnd();
-    return false;
   }
+  if (!isSame || source_.kind == Kind::kEnd) return false;
   compareBits();
   source_.next();
   converted_.next();
@@ -186,11 +190,7 @@ void Comparison::compareBits() {
   const std::uint64_t all = ~std::uint64_t{0};
   const std::size_t words = from.tdi->wordCount();
   const std::size_t above = words * Bits::kWordBits - from.tdi->size();
-  BitCount tdi;
-  BitCount tdo;
-  BitCount less;
-  BitCount more;
-  BitCount open;
+  BitCount tdi, tdo, less, more, open;
   for (std::size_t i = 0; i < words; ++i) {
     const std::uint64_t care = wordOf(from.care, i, all);
     const std::uint64_t wanted = wordOf(from.mask, i, 0);
@@ -218,33 +218,29 @@ void Comparison::compareBits() {
   if (tdi.count == 0) add(Difference::kScans, tdo, "expected TDO differs in ");
 }
 
-std::string Comparison::rateText() const {
-  const double most = waits_.holdsUpTo();
-  const bool isKnown = tckHertz_ > 0;
-  if (most <= 0 || most == kAnyHertz) return {};
-  std::string text;
-  if (isKnown || findings_[Difference::kUnknownRate].count == 0) {
-    text = "times as clocks: at " +
-           (isKnown ? numberText(tckHertz_) + " Hz\n" : "the FREQUENCY of the source\n");
-  }
-  if (isKnown && tckHertz_ <= most) return text;
-  return text + "holds for a TCK of at most " + numberText(std::floor(most)) +
-         (isKnown ? " Hz\n" : " Hz; say -tck_freq\n");
-}
-
 std::string Comparison::report() const {
   using enum Difference;
+  const auto counted = [](std::uint64_t count, const char* what) {
+    return ", " + std::to_string(count) + what + (count == 1 ? "" : "s");
+  };
   std::string text;
   for (const Side* side : {&source_, &converted_}) {
-    const std::string name = side == &source_ ? "source:    " : "converted: ";
-    const auto counted = [](std::uint64_t count, const char* what) {
-      return ", " + std::to_string(count) + what + (count == 1 ? "" : "s");
-    };
-    text += name + std::string(side->reader.form()) + counted(side->scans, " scan") +
-            (side == &source_ ? counted(side->waits, " wait") : "") + "\n";
-    for (const std::string& note : side->reader.notes()) text += "note: " + name + note + "\n";
+    const bool isSource = side == &source_;
+    text += (isSource ? "source:    " : "converted: ") + std::string(side->reader.form()) +
+            counted(side->scans, " scan") + (isSource ? counted(side->waits, " wait") : "") + "\n";
+    for (const std::string& note : side->reader.notes()) text += "  note: " + note + "\n";
   }
-  text += rateText();
+  const double most = waits_.holdsUpTo();
+  const bool isRated = most > 0 && most < kAnyHertz;
+  if (isRated && tckHertz_ > 0) {
+    text += "times as clocks: at " + numberText(tckHertz_) + " Hz\n";
+  } else if (isRated && findings_[kUnknownRate].count == 0) {
+    text += "times as clocks: at the FREQUENCY of the source\n";
+  }
+  if (isRated && (tckHertz_ <= 0 || tckHertz_ > most)) {
+    text += "holds for a TCK of at most " + numberText(std::floor(most)) +
+            (tckHertz_ > 0 ? " Hz\n" : " Hz; say -tck_freq\n");
+  }
   const auto isSame = [&](const char* what, Difference from, Difference before) {
     for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(before); ++i) {
       if (findings_[static_cast<Difference>(i)].count > 0) return false;

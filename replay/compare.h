@@ -42,10 +42,10 @@ class Comparison {
   void compareSettings();
   void passSetting(Side& side);
   void compareRates();
+  bool isSameScan() const;
   bool compareScans();  // false: there is no sense in going on
   void compareBits();
   void tell(Difference difference, const std::string& from, const std::string& to);
-  std::string rateText() const;
 
   Side source_;
   Side converted_;

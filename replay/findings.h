@@ -21,15 +21,15 @@ enum class Difference {
 // clang-format on
 constexpr std::size_t kDifferenceCount = static_cast<std::size_t>(Difference::kCount);
 
-/// What is said about a difference. `fatal` ones cannot be allowed. `harmless` ones
-/// leave the exit status alone: the devices get the same and no wait is shorter.
+/// What is said about a difference. kFatal ones cannot be allowed. kHarmless ones leave
+/// the exit status alone: the devices get the same and no wait is shorter.
+enum class Weight { kFatal, kBlamed, kHarmless };
 struct DifferenceRule {
   std::string_view name;
   std::string_view meaning;
-  bool fatal = false;
-  bool harmless = false;
+  Weight weight = Weight::kBlamed;
 };
-const DifferenceRule& ruleOf(Difference difference);
+extern const std::array<DifferenceRule, kDifferenceCount> kDifferenceRules;
 
 /// The difference of a name, if it can be allowed.
 std::optional<Difference> findDifference(std::string_view name);
@@ -48,11 +48,8 @@ class Findings {
   template <typename Text>
   void add(Difference difference, double size, const Text& text, std::uint64_t count = 1) {
     Entry& entry = entries_[static_cast<std::size_t>(difference)];
-    if (entry.count == 0) {
-      entry.first = text();
-      entry.largestSize = size;
-    } else if (size > entry.largestSize) {
-      entry.largest = text();
+    if (entry.count == 0 || size > entry.largestSize) {
+      (entry.count == 0 ? entry.first : entry.largest) = text();
       entry.largestSize = size;
     }
     entry.count += count;

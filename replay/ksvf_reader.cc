@@ -108,17 +108,12 @@ class KsvfReader final : public Reader {
 
   [[noreturn]] void fail() const {
     constexpr std::array kReasons = {
-        "",
-        "",
-        "the player finds a difference",
-        "no KSVF command has this code",
-        "a command that may not stand here",
-        "an operand that the command cannot have",
-        "a scan of more than 1 Gibit",
-        "the file ends before KCOMPLETE",
+        "the player finds a difference",     "no KSVF command has this code",
+        "a command that may not stand here", "an operand that the command cannot have",
+        "a scan of more than 1 Gibit",       "the file ends before KCOMPLETE",
     };
     throw Fault(input_.path() + ": byte " + std::to_string(player_->command_offset) + ": " +
-                kReasons.at(player_->result));
+                kReasons.at(player_->result - KSVF_MISMATCH));
   }
 
   static void clear(Operation& operation) {

@@ -83,11 +83,9 @@ void allow(const std::string& names, Options& options) {
 
 std::string helpText() {
   std::string text(kHelp);
-  for (std::size_t i = 0; i < kDifferenceCount; ++i) {
-    const DifferenceRule& rule = ruleOf(static_cast<Difference>(i));
-    const bool fatal = !findDifference(rule.name);
-    text.append(rule.harmless ? "    " : fatal ? "  ! " : "  * ").append(rule.name);
-    text.append(16 - rule.name.size(), ' ').append(rule.meaning).append("\n");
+  for (const auto& [name, meaning, weight] : kDifferenceRules) {
+    const char* const mark = std::array{"  ! ", "  * ", "    "}[static_cast<std::size_t>(weight)];
+    text.append(mark).append(name).append(16 - name.size(), ' ').append(meaning).append("\n");
   }
   return text;
 }
@@ -217,17 +215,14 @@ int compare(const Options& options, Output& output) {
   for (std::size_t i = 0; i < kDifferenceCount; ++i) {
     const auto difference = static_cast<Difference>(i);
     if (comparison.findings()[difference].count == 0) continue;
-    const DifferenceRule& rule = ruleOf(difference);
-    const bool fine = options.allowed.count(difference) != 0 || (rule.harmless && !options.strict);
-    (fine ? rest : blamed).append(" ").append(rule.name);
+    const auto& [name, meaning, weight] = kDifferenceRules[i];
+    const bool isFine = weight == Weight::kHarmless && !options.strict;
+    (isFine || options.allowed.count(difference) != 0 ? rest : blamed).append(" ").append(name);
   }
-  output << comparison.report();
-  if (!blamed.empty()) {
-    output << "NOT the same:" << blamed << (rest.empty() ? "" : "; also:" + rest) << "\n";
-    return kDifferent;
-  }
-  output << "the same" << (rest.empty() ? "" : " but for:" + rest) << "\n";
-  return kSame;
+  const bool isSame = blamed.empty();
+  output << comparison.report() << (isSame ? "the same" : "NOT the same:" + blamed)
+         << (rest.empty() ? "" : (isSame ? " but for:" : "; also:") + rest) << "\n";
+  return isSame ? kSame : kDifferent;
 }
 
 int run(const std::vector<std::string>& arguments) {

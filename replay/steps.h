@@ -8,29 +8,23 @@
 
 namespace tapforge_replay {
 
-/// A file as single steps in their order, as a comparison needs them: each state
-/// that is entered, each wait, each setting, each scan.
+/// A file as single steps in their order, as a comparison needs them. The kind of a step
+/// is that of its operation, but for two: kMove is a state that was entered, by whatever
+/// operation, and a TCK that stays in a stable state is a kWait.
 class Steps {
  public:
-  enum class Kind : std::uint8_t {
-    kState,    ///< `state` was entered
-    kWait,     ///< `wait`; also TCKs for which a move stays where it is
-    kSetting,  ///< TRST, FREQUENCY or PIO, as `operation` says
-    kScan,     ///< `operation`, between the states before and after it
-    kEnd,      ///< of the file; no step follows
-  };
-
   explicit Steps(Reader& file) : reader{file} {}
 
   void next();
   void skipToEnd() {
-    while (kind != Kind::kEnd) next();
+    while (kind != Operation::Kind::kEnd) next();
   }
-  bool isGapOver() const { return kind == Kind::kScan || kind == Kind::kEnd; }
+  bool isSetting() const;  ///< TRST, FREQUENCY or PIO
+  bool isGapOver() const { return kind == Operation::Kind::kScan || kind == Operation::Kind::kEnd; }
 
   Reader& reader;
   Operation operation;  ///< that the step is a part of
-  Kind kind = Kind::kState;
+  Operation::Kind kind = Operation::Kind::kMove;
   TapState state = TapState::kReset;  ///< entered last
   Wait wait;
   bool isImplied = false;   ///< a reset that the file does not say
@@ -39,7 +33,6 @@ class Steps {
   std::uint64_t waits = 0;  ///< the same, of those that the file says
 
  private:
-  void read();
   bool isOwnStep();
   bool enter(TapState next);
 

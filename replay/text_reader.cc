@@ -15,7 +15,7 @@ constexpr double kMostNumber = 0x1p53;  // below it each whole number is exact
 
 constexpr std::uint8_t kNoDigit = 255;
 
-constexpr std::array<std::uint8_t, 256> digitTable() {
+constexpr std::array<std::uint8_t, 256> kDigits = [] {
   std::array<std::uint8_t, 256> table{};
   table.fill(kNoDigit);
   for (std::uint8_t value = 0; value < 10; ++value) table[std::size_t{'0'} + value] = value;
@@ -23,8 +23,7 @@ constexpr std::array<std::uint8_t, 256> digitTable() {
     table[std::size_t{'a'} + value - 10] = table[std::size_t{'A'} + value - 10] = value;
   }
   return table;
-}
-constexpr std::array<std::uint8_t, 256> kDigits = digitTable();
+}();
 
 // Whether the whole text is a number, which becomes `value`.
 bool readNumber(std::string_view text, std::size_t& value) {
@@ -54,8 +53,8 @@ void Pattern::begin(std::size_t newLength) {
 
 // A piece without a value: TDI is 1, all of it matters, and nothing is compared;
 // with a TDO and without a MASK all of it is.
-const Bits* ScanJoiner::joined(const std::array<Pattern, kPieceCount>& pieces, Pattern::Name name,
-                               Bits& storage) {
+const Bits* ScanJoiner::joined(bool instruction, Pattern::Name name) {
+  const auto& pieces = patterns_[instruction ? 1 : 0];
   const auto given = [name](const Pattern& piece) {
     if (piece.length == 0) return false;
     return name == Pattern::kMask ? piece[Pattern::kTdo].given : piece[name].given;
@@ -66,26 +65,24 @@ const Bits* ScanJoiner::joined(const std::array<Pattern, kPieceCount>& pieces, P
   if (alone && data[name].given) return &data[name].bits;  // spares the copy of a long scan
 
   const bool otherwise = name == Pattern::kTdi || name == Pattern::kSmask;
+  Bits& storage = joined_[name];
   storage.clear();
   for (const Pattern& piece : pieces) {
-    if (!given(piece)) {
-      storage.append(piece.length, otherwise);
-    } else if (piece[name].given) {
+    if (given(piece) && piece[name].given) {
       storage.append(piece[name].bits);
     } else {
-      storage.append(piece.length, true);
+      storage.append(piece.length, given(piece) || otherwise);
     }
   }
   return &storage;
 }
 
 void ScanJoiner::join(bool instruction, Operation& scan) {
-  const auto& pieces = patterns_[instruction ? 1 : 0];
   scan.instruction = instruction;
-  scan.tdi = joined(pieces, Pattern::kTdi, joined_[Pattern::kTdi]);
-  scan.care = joined(pieces, Pattern::kSmask, joined_[Pattern::kSmask]);
-  scan.tdo = joined(pieces, Pattern::kTdo, joined_[Pattern::kTdo]);
-  scan.mask = joined(pieces, Pattern::kMask, joined_[Pattern::kMask]);
+  scan.tdi = joined(instruction, Pattern::kTdi);
+  scan.care = joined(instruction, Pattern::kSmask);
+  scan.tdo = joined(instruction, Pattern::kTdo);
+  scan.mask = joined(instruction, Pattern::kMask);
 }
 
 void TapFollower::go(TapState target, std::vector<TapState>& entered) {

@@ -41,8 +41,7 @@ class ScanJoiner {
   void join(bool instruction, Operation& scan);
 
  private:
-  const Bits* joined(const std::array<Pattern, kPieceCount>& pieces, Pattern::Name name,
-                     Bits& storage);
+  const Bits* joined(bool instruction, Pattern::Name name);
 
   std::array<std::array<Pattern, kPieceCount>, 2> patterns_;
   std::array<Bits, Pattern::kNameCount> joined_;

@@ -57,8 +57,6 @@ std::string WaitList::text() const {
   return describe(first[0].place) + " (" + describe(first[0].wait) + more + ")";
 }
 
-std::string WaitPair::text() const { return "source " + from.text() + ", converted " + to.text(); }
-
 double WaitPair::missingAt(double rate) const {
   const WaitList::Sum asked = from.sumAt(rate);
   const WaitList::Sum given = to.sumAt(rate);
@@ -113,7 +111,8 @@ WaitPair::Judgement WaitPair::judge(double tckHertz) const {
     if (rate <= result.rate) result.missing = std::max(result.missing, missing);
   }
   if (result.verdict > Verdict::kSame) return result;
-  if (isTime) result.missing = std::min(result.missing, missingAt(0));
+  const bool isMore = isTime && (missingAt(0) < 0 || missingAt(limit) < 0);
+  if (isMore) result.missing = std::min(result.missing, -1.0);  // at some other rate
   const double roundedUp = isTime ? 0 : result.tolerance;
   if (result.missing < -roundedUp) result.verdict = Verdict::kLonger;
   return result;
@@ -130,7 +129,7 @@ void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
     if (other.wait == wait.wait) return true;
     const WaitPair both{alone(isConverted ? other : wait), alone(isConverted ? wait : other)};
     const WaitPair::Judgement judgement = both.judge(tckHertz_);
-    if (judgement.verdict > Verdict::kRounded) return false;
+    if (judgement.verdict > Verdict::kSame) return false;
     tell(both, judgement);
     return true;
   };
@@ -160,7 +159,8 @@ void WaitComparison::closePlace() {
 
 void WaitComparison::tell(Difference difference, double size, const WaitPair& pair) {
   findings_.add(
-      difference, size, [&pair] { return pair.text(); },
+      difference, size,
+      [&] { return "source " + pair.from.text() + ", converted " + pair.to.text(); },
       pair.from.count > 0 ? pair.from.count : pair.to.count);
 }
 
@@ -170,10 +170,9 @@ void WaitComparison::tell(const WaitPair& pair, const WaitPair::Judgement& judge
   if (lost_.size() + extra_.size() > kMostOpen) endGap();
   if (isShorter) tellShorter(pair, judgement);
   if (judgement.verdict == Verdict::kLonger) extra_.push_back({-judgement.missing, pair, gap_});
-  if (judgement.verdict == Verdict::kRounded) {
-    tell(Difference::kRoundedWaits, judgement.missing, pair);
-  } else if (judgement.verdict == Verdict::kUnknownRate) {
-    tell(Difference::kUnknownRate, judgement.missing, pair);
+  const bool isRounded = judgement.verdict == Verdict::kRounded;
+  if (isRounded || judgement.verdict == Verdict::kUnknownRate) {
+    tell(isRounded ? Difference::kRoundedWaits : Difference::kUnknownRate, judgement.missing, pair);
   }
   tellMaximum(pair, judgement);
 }

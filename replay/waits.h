@@ -62,7 +62,6 @@ struct WaitPair {
   WaitList to;
 
   bool isEmpty() const { return from.count + to.count == 0; }
-  std::string text() const;
   /// `tckHertz`: the rate of the board, 0 if it is not known. One of both is not empty.
   Judgement judge(double tckHertz) const;
 
@@ -83,7 +82,7 @@ class WaitComparison {
     if (!isEmpty_) closePlace();
   }
   bool isEven() const;  ///< no wait of this place is left over
-  void endGap();  ///< at a scan, and once more at the end of the files
+  void endGap();        ///< at a scan, and once more at the end of the files
 
   /// The rate up to which all waits are long enough: kAnyHertz if they do not depend
   /// on it, 0 if some are too short at each.

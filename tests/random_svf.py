@@ -182,6 +182,14 @@ class Generator:
             self.statement_of("pio", self.pick("(HUX)", "( z\nd l )", "(L)"), hides=True)
 
 
+def way(state, target):
+    """The states of the shortest way, the last one included."""
+    ways = {state: []}
+    while target not in ways:
+        ways = {end: path + [end] for at, path in ways.items() for end in NEXT[at]} | ways
+    return ways[target]
+
+
 def random_svf(seed, statements, without=()):
     generator = Generator(seed, without)
     for _ in range(statements):

@@ -23,8 +23,8 @@ set current_tapbus cable
 """
 RUN = ["""# [exit] $x " { ; scan_ir_tapbus 1 -tdi 1
 \tscan_ir_tapbus  8 -tdi {2C} -mask "FF";;run_state_tapbus Idle\r\n; # run_state_tapbus IDLE\v
-puts "--- line 3";scan_dr_tapbus 4 -tdi 0""", "#\rrun_state_tapbus IDLE\r",
-       """# C:\\work\\
+puts "--- line 3";scan_dr_tapbus 4 -tdi 0""",
+       "# \\\r\nrun_state_tapbus IDLE\rrun_state_tapbus\vRESET\r", """# C:\\work\\
 scan_ir_tapbus 8 -tdi 01
 # C:\\\\
 scan_ir_tapbus 9 -tdi 01 -tdo 01
@@ -32,7 +32,7 @@ set_property ENDSTATE_DR {DRPAUSE} $current_tapbus
 runtest_tapbus -wait DRPAUSE -tck 7 -tck 8 -end_state idle"""]
 REFUSED = ["scan_ir_tapbus 8 -tdi 01 # x", "run_state_tapbus IDLE ! pause \"x", "SIR 8 TDI (01);",
            "SCAN_IR_TAPBUS 8 -tdi 01", "scan_ir_tapbus 8 -TDI 01", "scan_ir_tapbus 8 -tdi (01)",
-           "runtest_tapbus -tck [llength x]", "runtest_tapbus -tck $tck", "runtest_tapbus -tck {1}2",
+           "runtest_tapbus -tck [llength x]", "runtest_tapbus -tck $x", "runtest_tapbus -tck {1}2",
            "runtest_tapbus \\\n-tck 1", "set_property hir_length {4} {$current_tapbus}",
            "set_property hir_length {4} $current_tapbus ! x", "runtest_tapbus -tck 1 -wait"]
 STATEMENT = re.compile(r"(?m)(?:^|;)\s*(?:((?:SIR|SDR)\s+\d+)|(STATE|RUNTEST))\b")
@@ -67,16 +67,16 @@ class Scripts(unittest.TestCase):
             stubs.write_text(STUBS + f"source {{{script}}}")
             for text in RUN + REFUSED:
                 script.write_bytes(("#\n" + text).encode())
-                shell = subprocess.run(["tclsh", stubs], text=True, capture_output=True)
-                listed = subprocess.run([*EMULATOR, REPLAY, script], text=True, capture_output=True)
-                words = [line.split()[2:] for line in listed.stdout.splitlines()]
-                steps = [kinds.get(word[0]) or "S" + " ".join(word[2:4])
-                         for word in words if word[0] != "end"]
+                done, listed = (subprocess.run(command, text=True, capture_output=True)
+                                for command in (["tclsh", stubs], [*EMULATOR, REPLAY, script]))
+                lines = [line.split()[2:] for line in listed.stdout.splitlines()
+                         if " end " not in line]
+                steps = [kinds.get(words[0], "S" + " ".join(words[2:4])) for words in lines]
                 with self.subTest(text):
                     self.assertEqual(listed.returncode, 2 if text in REFUSED else 0, listed.stderr)
                     if text in RUN:
-                        done = [line for line in shell.stdout.splitlines() if line[:2] != "--"]
-                        self.assertEqual((shell.stderr, done), ("", steps))
+                        shell = [line for line in done.stdout.splitlines() if line[:2] != "--"]
+                        self.assertEqual((done.stderr, shell), ("", steps))
 
 
 if __name__ == "__main__":

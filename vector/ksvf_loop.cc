@@ -73,6 +73,7 @@ class KsvfLoop final : private CommentSink {
     bool first = true;
     bool held = false;  // a pause state named again, first: SVF leaves it unless a path follows
     pGlobTapData_.iCurState = readStatePath(before, channel_, [&](const PathStep& step) {
+      if (std::exchange(held, false)) moves_.addTapTransition(before);
       held = std::exchange(first, false) && exact_ && inPause && step.state == before;
       if (held) return;
       if (step.oneClock) {

@@ -2,11 +2,30 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <random>
 
 namespace tapforge::testing {
 
+namespace {
+
+FilePtr newFile() {
+#ifdef _WIN32
+  // std::tmpfile() may give two processes one file. This one is gone when it is closed: "D".
+  static const std::string ours = std::to_string(std::random_device()());
+  static int count = 0;
+  const std::string name = "tapforge" + ours + "-" + std::to_string(++count);
+  return FilePtr(
+      std::fopen((std::filesystem::temp_directory_path() / name).string().c_str(), "w+bTD"));
+#else
+  return FilePtr(std::tmpfile());
+#endif
+}
+
+}  // namespace
+
 FilePtr fileWith(std::string_view text) {
-  FilePtr file(std::tmpfile());
+  FilePtr file = newFile();
   if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file.get()) != text.size()) {
     std::abort();
   }
