@@ -38,9 +38,12 @@ else()
           DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
 endif()
 
-install(FILES README.md CHANGELOG.md DESTINATION ${documents})
+# All that their links lead to, in the same places.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${documents})
+install(FILES bench/README.md DESTINATION ${documents}/bench)
+install(FILES packaging/copyright DESTINATION ${documents}/packaging)
 install(DIRECTORY docs DESTINATION ${documents}
-        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.1")
 install(DIRECTORY player DESTINATION ${documents}
         FILES_MATCHING PATTERN "*.c" PATTERN "*.h" PATTERN "*.py")
 install(DIRECTORY examples DESTINATION ${documents})

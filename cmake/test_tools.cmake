@@ -1,8 +1,9 @@
 # Finds what the tests need. TAPFORGE_TESTS is on where all of it is there, and
 # can be set by hand as any option.
 find_package(Python3 COMPONENTS Interpreter QUIET)
-if(CMAKE_CROSSCOMPILING)
-  # The cross compilers come without the library, so it is built from its sources.
+option(TAPFORGE_BUILD_GTEST "Build GoogleTest from its sources" ${CMAKE_CROSSCOMPILING})
+if(TAPFORGE_BUILD_GTEST)
+  # Neither cross compilers nor other C++ libraries come with a built one.
   find_path(TAPFORGE_GTEST_SOURCES src/gtest-all.cc PATHS /usr/src/googletest/googletest
             NO_CMAKE_FIND_ROOT_PATH)
   set(GTest_FOUND ${TAPFORGE_GTEST_SOURCES})
@@ -18,7 +19,7 @@ endif()
 
 # Makes GTest::gtest_main known to the folder that calls it.
 macro(provide_gtest)
-  if(CMAKE_CROSSCOMPILING)
+  if(TAPFORGE_BUILD_GTEST)
     set(INSTALL_GTEST OFF)
     add_subdirectory(${TAPFORGE_GTEST_SOURCES} googletest EXCLUDE_FROM_ALL)
     target_compile_options(gtest PRIVATE -w)

@@ -94,7 +94,8 @@ FileKind kindOf(mode_t mode) {
 FileStatus statusOf(const struct stat& found) {
   const FileKind kind = kindOf(found.st_mode);
   const auto size = kind == FileKind::regular ? static_cast<std::uint64_t>(found.st_size) : 0;
-  return {kind, found.st_dev, found.st_ino, size};
+  // The number of a device has a sign on some systems.
+  return {kind, static_cast<std::uint64_t>(found.st_dev), found.st_ino, size};
 }
 
 #endif

@@ -6,7 +6,7 @@ if(NOT CPACK_GENERATOR STREQUAL "DEB")
 endif()
 set(root ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share)
 set(doc ${root}/doc/tapforge)
-file(RENAME ${doc}/CHANGELOG.md ${doc}/changelog)
+file(COPY_FILE ${doc}/CHANGELOG.md ${doc}/changelog)  # links lead to the first
 file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright ${CPACK_DEBIAN_CHANGELOG} DESTINATION ${doc})
 execute_process(
   COMMAND gzip -9n ${root}/man/man1/tapforge.1 ${root}/man/man1/tapforge-replay.1

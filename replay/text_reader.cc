@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 
 #include "replay/fault.h"
 #include "replay/output.h"
@@ -23,6 +24,22 @@ constexpr std::array<std::uint8_t, 256> kDigits = [] {
   }
   return table;
 }();
+
+// Whether the whole text is a number, which becomes `value`.
+bool readNumber(std::string_view text, std::size_t& value) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+// libc++ 14 has from_chars for whole numbers only, and strtod also takes blanks, signs,
+// words and hex digits.
+bool readNumber(std::string_view text, double& value) {
+  const std::string copy(text);
+  char* end = nullptr;
+  value = std::strtod(copy.c_str(), &end);
+  return !text.empty() && text.find_first_not_of("0123456789.eE+-") == std::string_view::npos &&
+         text[0] != '+' && end == copy.c_str() + copy.size();
+}
 
 }  // namespace
 
@@ -152,8 +169,7 @@ void TextReader::finishValue(Pattern::Value& value, std::size_t length) {
 template <typename Number>
 Number TextReader::parse(std::string_view text, Number most, const char* what) const {
   Number value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !(value >= 0 && value <= most)) {
+  if (!readNumber(text, value) || !(value >= 0 && value <= most)) {
     fail(what + (" expected, not \"" + std::string(text) + "\""));
   }
   return value;

@@ -32,11 +32,11 @@ import argparse, concurrent.futures, difflib, os, pathlib, re, shutil, subproces
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EXAMPLE = re.compile(r"(?m)^(?:<!-- needs (\w+) -->\n\n)?( {4}.*\n(?:\n* {4}.*\n)*)")
-TERMINAL = re.compile(r"(?ms)^(?:\.\\\" needs (\w+)\n)?(?:```console|\.Bd -literal[^\n]*)\n(.*?)"
-                      r"^(?:```|\.Ed)")
+TERMINAL = re.compile(r"(?ms)^(?:(?:\.\\\"|<!--) needs (\w+)(?: -->\n)?\n)?"
+                      r"(?:```console|\.Bd -literal[^\n]*)\n(.*?)^(?:```|\.Ed)")
 INPUT = re.compile(r"(?m)^(\S.*):(?: empty)?\n((?:  .*\n|\n)*)")
 COMMAND = re.compile(r"[^\n]*\n(?:> [^\n]*\n)*")
-LINK = re.compile(r"\]\(([^)#]+)")
+LINK = re.compile(r"\]\((?!\w+:)([^)#]*)#?([^)]*)\)")
 BANNER = re.compile(r"\n\*{6} .*\n  \*{4} .*\n    \*\* .*\n\n\n(\n(?!\*{6} ))?")
 MASKS = [(r"(?m)^(  \*{4} Build date : )\w{3} [ \d]\d \d{4}-\d\d:\d\d:\d\d$", r"\1<date>"),
          (r"(?m)^((?:Start|Finish) {0,2}: )\w{3} \w{3} [ \d]\d \d\d:\d\d:\d\d \d{4}$", r"\1<time>"),
@@ -209,6 +209,16 @@ def files(folder):
     return sorted(file for file in folder.rglob("*") if file.is_file())
 
 
+def dead_links(path):
+    """A fault for each relative link of a document that leads to no file or no heading there."""
+    for file, anchor in LINK.findall(path.read_text()) if path.suffix == ".md" else []:
+        target = path.parent / file if file else path
+        titles = re.findall(r"(?m)^#+ (.+)", target.read_text()) if anchor else []
+        anchors = [re.sub(r"[^-\w ]", "", title).lower().replace(" ", "-") for title in titles]
+        if not target.exists() or anchor and anchor not in anchors:
+            yield f"{path}: dead link {file}{anchor and '#'}{anchor}\n"
+
+
 def check(path, options):
     """The faults of a page; --update writes what was seen into it."""
     text = path.read_text()
@@ -218,9 +228,7 @@ def check(path, options):
     faults = []
     if (page.examples == 0) != (str(path.resolve()).removeprefix(f"{ROOT}/") in BARE):
         faults.append(f"{path}: {page.examples} examples; BARE lists the documents without any\n")
-    links = LINK.findall(text) if path.suffix == ".md" else []
-    faults += [f"{path}: dead link {link}\n" for link in links
-               if "://" not in link and not (path.parent / link).exists()]
+    faults += dead_links(path)
     if options.update and seen != text:
         path.write_text(seen)
     elif seen != text:
