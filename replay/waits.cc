@@ -129,9 +129,11 @@ void WaitComparison::add(const PlacedWait& wait, bool isConverted) {
     if (other.wait == wait.wait) return true;
     const WaitPair both{alone(isConverted ? other : wait), alone(isConverted ? wait : other)};
     const WaitPair::Judgement judgement = both.judge(tckHertz_);
-    // A clock short may be the first part of several; a time that stayed one is no part.
+    // A clock short may be the first part of several, and a clock more may belong to another
+    // wait; a time that stayed one is no part.
     const bool isTime = both.to.first[0].wait.seconds >= 0;
     if (judgement.verdict > (isTime ? Verdict::kRounded : Verdict::kSame)) return false;
+    if (judgement.missing < 0) return false;
     tell(both, judgement);
     return true;
   };
