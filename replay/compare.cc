@@ -118,8 +118,9 @@ void Comparison::compareSettings() {
   const Operation& from = source_.operation;
   const Operation& to = converted_.operation;
   const bool isKind = source_.kind == converted_.kind;
-  const bool isSame =
-      isKind && (from.kind == Kind::kFrequency ? from.hertz == to.hertz : from.word == to.word);
+  // A FREQUENCY may have lost a part of a Hz, or digits that a float cannot hold.
+  const bool isNear = std::abs(from.hertz - to.hertz) < 1 + from.hertz * (kHertzTolerance - 1);
+  const bool isSame = isKind && (from.kind == Kind::kFrequency ? isNear : from.word == to.word);
   const bool isBoth = isSame || (isKind && waits_.isEven());
   const bool isLost = source_.isSetting() && !isBoth;
   const Operation& setting = isLost ? from : to;
