@@ -1,17 +1,31 @@
 #include "ksvf_report.h"
 
 /* Texts have a letter behind each %: which number of the player stands there. */
-static const char* const result_texts[] = {
-    "playing, at byte %o",
-    "done, %n scans",
-    "mismatch in scan %n: %w bits wrong, the first is bit %b, expected %e",
-    "unknown command %c at byte %o",
-    "command %c out of order at byte %o",
-    "wrong operand of command %c at byte %o",
-    "scan of more than %m bits at byte %o",
-    "file ends in a command at byte %o",
-    "stopped in scan %n, TAP state %s",
-    "the player was compiled with another KSVF_MAX_BITS"};
+static const char* text_of(enum KsvfResult result) {
+  switch (result) {
+    case KSVF_PLAYING:
+      return "playing, at byte %o";
+    case KSVF_DONE:
+      return "done, %n scans";
+    case KSVF_MISMATCH:
+      return "mismatch in scan %n: %w bits wrong, the first is bit %b, expected %e";
+    case KSVF_UNKNOWN_COMMAND:
+      return "unknown command %c at byte %o";
+    case KSVF_BAD_ORDER:
+      return "command %c out of order at byte %o";
+    case KSVF_BAD_OPERAND:
+      return "wrong operand of command %c at byte %o";
+    case KSVF_SCAN_TOO_LONG:
+      return "scan of more than %m bits at byte %o";
+    case KSVF_TOO_SHORT:
+      return "file ends in a command at byte %o";
+    case KSVF_STOPPED:
+      return "stopped in scan %n, TAP state %s";
+    case KSVF_WRONG_SIZE:
+      break;
+  }
+  return "the player was compiled with another KSVF_MAX_BITS";
+}
 
 static uint32_t number_of(const struct KsvfPlayer* player, char letter) {
   switch (letter) {
@@ -57,7 +71,7 @@ void ksvf_put_text(void* port, KsvfPut put, const char* text) {
 }
 
 void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put) {
-  const char* text = result_texts[player->result];
+  const char* text = text_of(player->result);
   for (; *text != 0; ++text) {
     if (*text == '%') {
       ++text;
