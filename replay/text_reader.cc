@@ -1,7 +1,6 @@
 #include "replay/text_reader.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 
 #include "replay/fault.h"
@@ -10,7 +9,7 @@
 namespace tapforge_replay {
 namespace {
 
-constexpr std::size_t kMostBits = std::size_t{1} << (sizeof(std::size_t) > 4 ? 40 : 31);
+constexpr std::uint64_t kMostBits = std::uint64_t{1} << (sizeof(std::size_t) > 4 ? 40 : 31);
 constexpr double kMostNumber = 0x1p53;  // below it each whole number is exact
 
 constexpr std::uint8_t kNoDigit = 255;
@@ -24,22 +23,6 @@ constexpr std::array<std::uint8_t, 256> kDigits = [] {
   }
   return table;
 }();
-
-// Whether the whole text is a number, which becomes `value`.
-bool readNumber(std::string_view text, std::size_t& value) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return error == std::errc() && end == text.data() + text.size();
-}
-
-// libc++ 14 has from_chars for whole numbers only, and strtod also takes blanks, signs,
-// words and hex digits.
-bool readNumber(std::string_view text, double& value) {
-  const std::string copy(text);
-  char* end = nullptr;
-  value = std::strtod(copy.c_str(), &end);
-  return !text.empty() && text.find_first_not_of("0123456789.eE+-") == std::string_view::npos &&
-         text[0] != '+' && end == copy.c_str() + copy.size();
-}
 
 }  // namespace
 
@@ -166,21 +149,27 @@ void TextReader::finishValue(Pattern::Value& value, std::size_t length) {
   room_ = kDigitsOfWord;
 }
 
-template <typename Number>
-Number TextReader::parse(std::string_view text, Number most, const char* what) const {
-  Number value = 0;
-  if (!readNumber(text, value) || !(value >= 0 && value <= most)) {
-    fail(what + (" expected, not \"" + std::string(text) + "\""));
+// libc++ 14 has no from_chars for these, and strtod also takes blanks, words and hex digits.
+double TextReader::parse(std::string_view text, const char* characters, double most,
+                         const char* what) const {
+  const std::string copy(text);
+  char* end = nullptr;
+  const double value = std::strtod(copy.c_str(), &end);
+  const bool isNumber = !copy.empty() && copy[0] != '+' && end == copy.c_str() + copy.size();
+  const bool isOnly = copy.find_first_not_of(characters) == std::string::npos;
+  if (!isNumber || !isOnly || !(value >= 0 && value <= most)) {
+    fail(what + (" expected, not \"" + copy + "\""));
   }
   return value;
 }
 
 double TextReader::number(std::string_view text) const {
-  return parse(text, kMostNumber, "a number");
+  return parse(text, "0123456789.eE+-", kMostNumber, "a number");
 }
 
 std::size_t TextReader::length(std::string_view text) const {
-  return parse(text, kMostBits, "a length in bits");
+  return static_cast<std::size_t>(
+      parse(text, "0123456789", static_cast<double>(kMostBits), "a length in bits"));
 }
 
 TapState TextReader::state(std::string_view text) const {

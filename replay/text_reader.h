@@ -115,8 +115,7 @@ class TextReader : public Reader {
   TapFollower tap_;
 
  private:
-  template <typename Number>
-  Number parse(std::string_view text, Number most, const char* what) const;
+  double parse(std::string_view text, const char* characters, double most, const char* what) const;
 
   std::uint64_t scans_ = 0;
   static constexpr unsigned kDigitsOfWord = 16;
