@@ -20,10 +20,10 @@ if(CMAKE_SCRIPT_MODE_FILE)  # a command of the build, below
     execute_process(COMMAND "${TAPFORGE_REPLAY}" ${PROOF_FLAGS} "${SOURCE}" "${OUTPUT}.part"
                     RESULT_VARIABLE status OUTPUT_VARIABLE proof ERROR_VARIABLE proof)
   endif()
-  file(WRITE "${OUTPUT}.log" "${log}${proof}")
+  file(WRITE "${OUTPUT}.log" "${log}\n${proof}")
   if(NOT status STREQUAL "0")
     file(REMOVE "${OUTPUT}.part")
-    message("${log}${proof}")
+    message("${log}\n${proof}")
     message(FATAL_ERROR "${OUTPUT} was not made (status ${status})")
   endif()
   file(RENAME "${OUTPUT}.part" "${OUTPUT}")

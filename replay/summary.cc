@@ -66,8 +66,9 @@ struct Summary {
 };
 
 std::string numberOr(const char* otherwise, double value, const char* unit) {
-  std::array<char, 40> text{};  // without the last digit of a sum, which may be wrong
-  std::snprintf(text.data(), text.size(), "%.15g%s", value, unit);
+  const int digits = value == std::floor(value) ? 15 : 12;  // the last of a sum may be wrong
+  std::array<char, 40> text{};
+  std::snprintf(text.data(), text.size(), "%.*g%s", digits, value, unit);
   return std::isfinite(value) ? text.data() : otherwise;
 }
 
