@@ -1,10 +1,11 @@
 /* A port to GPIO lines of Linux, through the character device of their chip, version 2
    of its interface (Linux 5.10 and later). Checks the file in a dry run, then plays it.
 
-     cc -o linux_gpio ksvf_player.c ksvf_report.c linux_gpio.c
-     ./linux_gpio /dev/gpiochip0 11 25 10 9 file.ksvf
+     cc -DKSVF_MAX_BITS=16777216 -o linux_gpio ksvf_player.c ksvf_report.c linux_gpio.c
+     ./linux_gpio [-f HZ] [-r TRST] /dev/gpiochip0 11 25 10 9 file.ksvf
 
-   The numbers are the lines of TCK, TMS, TDI and TDO. Ctrl-C stops at the next clock. */
+   The numbers are the lines of TCK, TMS, TDI and TDO of the chip, as gpioinfo shows them.
+   Ctrl-C stops at the next clock. */
 
 #define _POSIX_C_SOURCE 200809L
 
@@ -150,6 +151,13 @@ static bool told(struct Board* board) {
   return board->player.result == KSVF_DONE;
 }
 
+/* Whether the whole text is a number above or at the lowest. */
+static bool number_of(const char* text, double lowest, double* number) {
+  char* end;
+  *number = strtod(text, &end);
+  return (end != text) && (*end == '\0') && (*number >= lowest) && (*number < 1e10);
+}
+
 static int usage(void) {
   fprintf(stderr,
           "linux_gpio [-f HZ] [-r TRST] CHIP TCK TMS TDI TDO [FILE]\n"
@@ -163,19 +171,19 @@ int main(int argc, char** argv) {
   static struct Board board = {.period = 1e-6};
   unsigned numbers[kLines];
   unsigned count = kTrst;
+  double number;
   char** arguments;
   int given;
   int option;
   int line;
   while ((option = getopt(argc, argv, "f:r:")) != -1) {
-    if (option == '?') {
+    if ((option == '?') || !number_of(optarg, (option == 'f') ? 1e-3 : 0, &number)) {
       return usage();
     }
     if (option == 'f') {
-      board.period = 1 / strtod(optarg, NULL);
-    }
-    if (option == 'r') {
-      numbers[kTrst] = (unsigned)strtoul(optarg, NULL, 10);
+      board.period = 1 / number;
+    } else {
+      numbers[kTrst] = (unsigned)number;
       count = kLines;
     }
   }
@@ -185,7 +193,10 @@ int main(int argc, char** argv) {
     return usage();
   }
   for (line = kTck; line <= kTdo; ++line) {
-    numbers[line] = (unsigned)strtoul(arguments[1 + line], NULL, 10);
+    if (!number_of(arguments[1 + line], 0, &number)) {
+      return usage();
+    }
+    numbers[line] = (unsigned)number;
   }
   if (given == 6) {
     open_file(&board, arguments[5]);
