@@ -20,6 +20,7 @@ GPIO = pathlib.Path("/usr/include/linux/gpio.h")
 SIMAVR = pathlib.Path("/usr/include/simavr/sim_avr.h")
 TRACED = "-std=c99 -Iplayer -DKSVF_OWN_WAIT=1 -DKSVF_MAX_BITS=6000 "
 PLAYER = " player/ksvf_player.c player/ksvf_report.c"
+BOARD = "tools/player/traced_board.c" + PLAYER
 ARM = "arm-none-eabi-gcc -mthumb -mcpu=cortex-m0 -Os -nostdlib -ffreestanding " + TRACED
 
 
@@ -70,7 +71,7 @@ class Ports(unittest.TestCase):
         cls.addClassCleanup(folder.cleanup)
         cls.folder = pathlib.Path(folder.name)
         (cls.folder / "tapforge-replay").symlink_to(REPLAY)
-        cls.build("cc", TRACED + "-O1 tests/traced_board.c" + PLAYER, "traced")
+        cls.build("cc", TRACED + "-O1 " + BOARD, "traced")
         sources = {path.stem: path.read_text() for path in sorted(EXAMPLES.glob("*.svf"))}
         sources |= {str(seed): random_svf(seed, 80, REFUSED) for seed in range(30)}
         cls.files = [cls.convert(name, text, OPTIONS[i % len(OPTIONS)])
@@ -92,13 +93,12 @@ class Ports(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("avr-gcc") and SIMAVR.exists(), "no avr-gcc, no libsimavr")
     def test_avr(self):
-        self.build("avr-gcc", "-mmcu=atmega1284p -Os " + TRACED + "tests/traced_board.c" + PLAYER,
-                   "avr.elf")
-        self.build("cc", "tests/avr_machine.c -lsimavr -lelf -lm", "avr_machine")
+        self.build("avr-gcc", "-mmcu=atmega1284p -Os " + TRACED + BOARD, "avr.elf")
+        self.build("cc", "tools/player/avr_machine.c -lsimavr -lelf -lm", "avr_machine")
+        machine = f"{self.folder}/avr_machine {self.folder}/avr.elf"
         for file, line in self.lines.items():
-            machine = f"{self.folder}/avr_machine {self.folder}/avr.elf"
-            told = run(machine, input=file.read_bytes()).splitlines(keepends=True)
-            self.assertEqual(told[-1], line, file)
+            told = run(machine, input=file.read_bytes())  # behind what simavr says
+            self.assertEqual(told.splitlines(keepends=True)[-1], line, file)
 
     @unittest.skipUnless(shutil.which("arm-none-eabi-gcc") and shutil.which("qemu-system-arm"),
                          "no gcc-arm-none-eabi, no qemu-system-arm")
@@ -106,8 +106,7 @@ class Ports(unittest.TestCase):
         self.build(ARM, "-c player/microbit.c -Dksvf_port_clock=microbit_clock", "pins.o")
         self.build(ARM, "-c player/serial_port.c -Dksvf_report_result=traced_result", "serial.o")
         self.build(ARM, "-Wl,-e0,--section-start=.vectors=0,-Ttext=0x100,-Tdata=0x20000000 "
-                   f"{self.folder}/pins.o {self.folder}/serial.o tests/traced_board.c" + PLAYER +
-                   " -lgcc", "microbit.elf")
+                   f"{self.folder}/pins.o {self.folder}/serial.o {BOARD} -lgcc", "microbit.elf")
         machine = subprocess.Popen(
             ["timeout", "300", "qemu-system-arm", "-M", "microbit", "-display", "none", "-monitor",
              "none", "-serial", "pty", "-kernel", f"{self.folder}/microbit.elf"],
