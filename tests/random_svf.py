@@ -89,7 +89,7 @@ class Generator:
         length = before = self.lengths.get(keyword, 0)
         chain = keyword[0] != "s"  # header or trailer
         if before == 0 or self.one_in(2):
-            most = 20 if chain else 40 if keyword == "sir" else 5000 if self.one_in(60) else 300
+            most = {"sir": 40, "sdr": 300}.get(keyword, 20) * (16 if self.one_in(30) else 1)
             length = self.random.randrange(1, most + 1)
             if self.one_in(3 if chain else 6):
                 length = 0 if chain else self.pick(1, 4, 63, 64, 65, 128, 192, 255, 256)
