@@ -190,12 +190,11 @@ TEST(Refusals, EndOfFileInsideAStatement) {
         "\nError  : Unexpected EOF\nFile [input]\tLine 2 (last item read [" + cut.item + "]):\n\n");
     EXPECT_EQ(toKsvf(cut.svf + "\n").messages, "\nError  : EOF_CH");
   }
-  const std::string end = "end";
-  EXPECT_EQ(toScript(end).messages,
+  EXPECT_EQ(toScript("end").messages,
             "\nWarning: Unknown SVF keyword [end]\nFile [input]\tLine 1 (last item read "
             "[end]):\nend\n^*\n"
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [end]):\nend\n^*\n");
-  EXPECT_EQ(toKsvf(end).messages,
+  EXPECT_EQ(toKsvf("end").messages,
             "\nWarning: Unknown SVF keyword [end]\n[input: line 1]:[end]\nError  : EOF_CH");
   EXPECT_EQ(toScript("SIR 8 TDI (1").messages,
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [ ]):\n"
