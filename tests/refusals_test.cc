@@ -61,9 +61,7 @@ void expectInKsvf(std::string message, std::string_view statement) {
 }
 
 // Messages, each with statements of which both modes say it.
-using Table = std::vector<std::pair<std::string, std::vector<std::string>>>;
-
-void expect(const Table& table) {
+void expect(const std::vector<std::pair<std::string, std::vector<std::string>>>& table) {
   for (const auto& [message, statements] : table) {
     for (const std::string& statement : statements) {
       SCOPED_TRACE(statement);
