@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 #include <sstream>
 #include <string>
@@ -12,24 +13,22 @@
 
 namespace {
 
-const std::map<std::string, int> kCodes = {
-    {"KTDOMASK", 1},  {"KSIR", 2},      {"KSDR", 3},      {"KRUNTEST", 4}, {"KREPEAT", 7},
-    {"KSDRSIZE", 8},  {"KSDRTDO", 9},   {"KSDRB", 12},    {"KSDRC", 13},   {"KSDRE", 14},
-    {"KSDRTDOB", 15}, {"KSDRTDOC", 16}, {"KSDRTDOE", 17}, {"KSTATE", 18},  {"KENDIR", 19},
-    {"KENDDR", 20},   {"KSIR2", 21},    {"KCOMMENT", 22}, {"KWAIT", 23},   {"KCOMPLETE", 0}};
+const std::map<std::string, std::string> kCodes = {
+    {"KTDOMASK", "01"}, {"KSIR", "02"},     {"KSDR", "03"},     {"KRUNTEST", "04"},
+    {"KREPEAT", "07"},  {"KSDRSIZE", "08"}, {"KSDRTDO", "09"},  {"KSDRB", "0c"},
+    {"KSDRC", "0d"},    {"KSDRE", "0e"},    {"KSDRTDOB", "0f"}, {"KSDRTDOC", "10"},
+    {"KSDRTDOE", "11"}, {"KSTATE", "12"},   {"KENDIR", "13"},   {"KENDDR", "14"},
+    {"KSIR2", "15"},    {"KCOMMENT", "16"}, {"KWAIT", "17"},    {"KCOMPLETE", "00"}};
 
 // Command names and bytes in hex; of the one number of KSDRSIZE and KRUNTEST the last digits.
 std::vector<int> bytesOf(const std::string& listing) {
   std::vector<int> bytes;
   std::istringstream words(listing);
   for (std::string word, last; words >> word; last = word) {
-    if (kCodes.count(word) != 0) {
-      bytes.push_back(kCodes.at(word));
-      continue;
-    }
-    if (last == "KSDRSIZE" || last == "KRUNTEST") word.insert(0, 8 - word.size(), '0');
-    for (std::size_t i = 0; i < word.size(); i += 2) {
-      bytes.push_back(std::stoi(word.substr(i, 2), nullptr, 16));
+    std::string digits = kCodes.count(word) != 0 ? kCodes.at(word) : word;
+    if (last == "KSDRSIZE" || last == "KRUNTEST") digits.insert(0, 8 - digits.size(), '0');
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+      bytes.push_back(std::stoi(digits.substr(i, 2), nullptr, 16));
     }
   }
   return bytes;
@@ -68,13 +67,8 @@ struct Board {
 KsvfPlayer player;
 
 // What a file is refused for, where, and how far it was read.
-std::string refusal() {
-  std::string text;
-  for (const std::uint32_t number :
-       {std::uint32_t{player.result}, player.command_offset, player.offset, player.scan}) {
-    text += std::to_string(number) + " ";
-  }
-  return text;
+std::array<std::uint32_t, 4> refusal() {
+  return {player.result, player.command_offset, player.offset, player.scan};
 }
 
 // How the play ended, in words. Before it a dry run has to end alike.
@@ -83,7 +77,7 @@ std::string play(Board& board, bool waitAfterDataOnly = false) {
   ksvf_begin_dry(&player, &dry);
   (void)ksvf_play(&player);
   EXPECT_EQ(dry.pins, "") << "a dry run moves no pin";
-  const std::string refused = refusal();
+  const auto refused = refusal();
   ksvf_begin(&player, &board);
   EXPECT_EQ(board.state, '0');
   board.pins.clear();

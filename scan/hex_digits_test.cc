@@ -10,8 +10,6 @@
 namespace tapforge {
 namespace {
 
-const std::string kDigits = "0123456789abcdef";
-
 const unsigned char* bytes(const std::string& text) {
   return reinterpret_cast<const unsigned char*>(text.data());
 }
@@ -33,9 +31,10 @@ TEST(HexDigits, AreReadSixteenAtATime) {
 }
 
 TEST(HexDigits, AreWrittenSixteenAtATime) {
+  const std::string digits = "0123456789abcdef";
   for (std::size_t i = 0; i < 256; ++i) {
-    std::string text = kDigits;
-    text[i / 16] = kDigits[i % 16];
+    std::string text = digits;
+    text[i / 16] = digits[i % 16];
     for (const auto function : {encodeHex16, scalar::encodeHex16}) {
       std::string out(16, ' ');
       function(std::stoull(text, nullptr, 16), HexCase::lower, out.data());

@@ -19,10 +19,10 @@ void expectInAllBlocks(const std::vector<Case>& cases,
                        std::string (*read)(const std::string& svf, SyntaxRules rules)) {
   for (const std::size_t size : kBlockSizes) {
     const WithBlockSize blocks(size);
-    for (const Case& each : cases) {
-      EXPECT_EQ(read(each.svf, progmode_svf2tapbus::kSyntaxRules), each.script)
-          << "blocks of " << size;
-      EXPECT_EQ(read(each.svf, progmode_svf2ksvf::kSyntaxRules), each.ksvf) << "blocks of " << size;
+    SCOPED_TRACE(size);
+    for (const auto& [svf, script, ksvf] : cases) {
+      EXPECT_EQ(read(svf, progmode_svf2tapbus::kSyntaxRules), script);
+      EXPECT_EQ(read(svf, progmode_svf2ksvf::kSyntaxRules), ksvf);
     }
   }
 }
@@ -47,9 +47,8 @@ std::string tokens(const std::string& svf, SyntaxRules rules) {
       channel.unlex();
       channel.lex();
       const std::string token(channel.tokenAsWritten());
-      constexpr std::string_view kMarks[] = {"", "#", "'", "'", "?"};
-      list.all += kMarks[static_cast<std::size_t>(channel.type())];
-      list.all += token;
+      constexpr const char* kMarks[] = {"", "#", "'", "'", "?"};
+      list.all += kMarks[static_cast<std::size_t>(channel.type())] + token;
       if (channel.key() != 0 && token.find('_') == std::string::npos) {
         EXPECT_EQ(channel.key(), Word::keyOf(channel.tokenLower())) << token;
       }
@@ -105,10 +104,8 @@ std::string place(const std::string& svf, SyntaxRules rules) {
   };
   Source source(svf, rules);
   try {
-    const auto isMark = [&] {
-      return source.channel.is("here") || source.channel.is("@") || source.channel.is("/");
-    };
-    while (source.channel.lexKeyword() && !isMark()) {
+    while (source.channel.lexKeyword() && !source.channel.is("here") && !source.channel.is("@") &&
+           !source.channel.is("/")) {
     }
   } catch (const ProgramEnd&) {
   }

@@ -11,7 +11,7 @@ MANY = b"SIR 8 TDI (01);\nSDR 32 TDI (01234567) TDO (0) MASK (f);\n" * 20000
 MIB = 1024 * 1024
 # Sanitizers need more address space than any limit here leaves.
 SANITIZED = bool(os.environ.get("TAPFORGE_SANITIZE"))
-LITTLE_MEMORY = (resource.RLIMIT_AS, 20 * MIB)
+LITTLE = {"limit": (resource.RLIMIT_AS, 20 * MIB)}
 SECONDS = 100  # of processor time, which no run here needs
 
 
@@ -22,14 +22,14 @@ class Faults(unittest.TestCase):
         self.at = pathlib.Path(folder.name)
         (self.at / "in.svf").write_bytes(MANY)
 
-    def run_it(self, *options, status, says="", limit=None, **streams):
+    def run_it(self, options, status=0, says="", limit=None, **streams):
         """What the program, run in the folder, prints; `limit` is a resource and its most."""
         def restrict():
             resource.setrlimit(resource.RLIMIT_CPU, (SECONDS, SECONDS))
             if limit and not (SANITIZED and limit[0] == resource.RLIMIT_AS):
                 resource.setrlimit(limit[0], (limit[1], limit[1]))
         pipes = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "stdin": subprocess.DEVNULL}
-        done = subprocess.run([PROGRAM, *options], cwd=self.at, preexec_fn=restrict,
+        done = subprocess.run([PROGRAM, "-w", *options.split()], cwd=self.at, preexec_fn=restrict,
                               **pipes | streams)
         text = ((done.stdout or b"") + (done.stderr or b"")).decode("latin-1")
         self.assertEqual(done.returncode, status, text[-500:])
@@ -41,17 +41,14 @@ class Faults(unittest.TestCase):
         (self.at / "in.svf").write_bytes(svf)
         for mode in ["-c", "-ksvf"]:
             with self.subTest(mode, svf=svf[:50]):
-                self.run_it(mode, "-w", "-i", "in.svf", "-o", "out", **wanted)
+                self.run_it(f"{mode} -i in.svf -o out", **wanted)
 
     def test_full_disk(self):
-        runs = [("-w", "-o", "/dev/full"), ("-w", "-tapbus", "-o", "/dev/full"),
-                ("-w", "-l", "/dev/full", "-o", "out"), ("-ksvf", "-w", "-o", "/dev/full"),
-                ("-ksvf", "-w", "-a", "/dev/full", "-o", "out"),
-                ("-ksvf", "-w", "-l", "/dev/full", "-o", "out")]
-        for options in runs:
+        for options in ("-o /dev/full", "-tapbus -o /dev/full", "-l /dev/full -o out",
+                        "-ksvf -o /dev/full", "-ksvf -l /dev/full -o out",
+                        "-ksvf -a /dev/full -o out"):
             with self.subTest(options):
-                self.run_it(*options, "-i", "in.svf", status=1,
-                            says="Error  : /dev/full file error")
+                self.run_it(f"{options} -i in.svf", 1, "Error  : /dev/full file error")
 
     def test_file_that_may_grow_no_more(self):
         # Not at the first write but in the middle, and what was written stays.
@@ -62,54 +59,46 @@ class Faults(unittest.TestCase):
     def test_closed_pipe_as_output(self):
         reading, writing = os.pipe()
         os.close(reading)
-        self.run_it("-w", "-o", f"/dev/fd/{writing}", "-i", "in.svf", status=1, says="file error",
-                    pass_fds=[writing])
+        self.run_it(f"-o /dev/fd/{writing} -i in.svf", 1, "file error", pass_fds=[writing])
 
     def test_standard_output_that_takes_nothing(self):
         with open("/dev/full", "wb") as full:
-            self.run_it("-w", "-o", "out", "-i", "in.svf", status=1, stdout=full,
-                        says="tapforge: standard output file error\n")
-        whole = (self.at / "out").read_bytes()
+            self.run_it("-o out -i in.svf", 1, "tapforge: standard output file error", stdout=full)
         closed = f"umask 027; exec '{PROGRAM}' -z 1 -w -o closed -i in.svf >&- 2>&- <&-"
         self.assertEqual(subprocess.run(["sh", "-c", closed], cwd=self.at).returncode, 0)
-        self.assertEqual((self.at / "closed").read_bytes(), whole)
+        self.assertEqual((self.at / "closed").read_bytes(), (self.at / "out").read_bytes())
         self.assertEqual((self.at / "closed").stat().st_mode & 0o777, 0o640)
 
     def test_output_after_the_banner_on_one_pipe(self):
-        self.run_it("-w", "-o", "out", "-i", "in.svf", status=0)
-        text = self.run_it("-w", "-o", "/dev/stdout", "-i", "in.svf", status=0)
-        banner, _, output = text.partition("All rights reserved.\n\n\n")
-        self.assertTrue(banner.startswith("\n****** Ondrel"), text[:100])
+        self.run_it("-o out -i in.svf")
+        banner, _, output = self.run_it("-o /dev/stdout -i in.svf").partition("reserved.\n\n\n")
+        self.assertTrue(banner.startswith("\n****** Ondrel"), banner[:100])
         self.assertEqual(output, (self.at / "out").read_text())
 
     def test_input_that_cannot_be_read(self):
-        self.run_it("-w", "-o", "out", "-i", "/proc/self/mem", status=1,
-                    says="Error  : /proc/self/mem file error")
+        self.run_it("-o out -i /proc/self/mem", 1, "Error  : /proc/self/mem file error")
         for mode in ["-tapbus", "-ksvf"]:
-            self.run_it(mode, "-i", ".", "-o", "out", status=1, says="cannot open [.]")
+            self.run_it(f"{mode} -i . -o out", 1, "cannot open [.]")
 
-    def slow_pipe(self, seconds):
-        """A pipe that gives in.svf after a while."""
+    def from_pipe(self, options, seconds, **streams):
+        """Runs the program on a pipe that gives in.svf after a while."""
         os.mkfifo(self.at / "pipe")
         writer = subprocess.Popen(["sh", "-c", f"exec >pipe; sleep {seconds}; cat in.svf"],
                                   cwd=self.at)
         self.addCleanup(writer.wait)
+        text = self.run_it(f"{options} -i pipe -o out", **streams)
+        (self.at / "pipe").unlink()
+        return text
 
     def test_input_from_a_pipe(self):
         for mode in ["-c", "-ksvf"]:
-            with self.subTest(mode):
-                self.run_it(mode, "-w", "-i", "in.svf", "-o", "expected", status=0)
-                self.slow_pipe(0)
-                self.run_it(mode, "-w", "-i", "pipe", "-o", "out", status=0)
-                self.assertEqual((self.at / "out").read_bytes(),
-                                 (self.at / "expected").read_bytes())
-                (self.at / "pipe").unlink()
+            self.run_it(f"{mode} -i in.svf -o expected")
+            self.from_pipe(mode, 0)
+            self.assertEqual((self.at / "out").read_bytes(), (self.at / "expected").read_bytes())
 
     def test_times_are_local_and_now(self):
-        self.slow_pipe(1.2)
         begin = int(time.time())
-        text = self.run_it("-z", "1", "-w", "-i", "pipe", "-o", "out", status=0,
-                           env={**os.environ, "TZ": "HERE-05:30"})
+        text = self.from_pipe("-z 1", 1.2, env={**os.environ, "TZ": "HERE-05:30"})
         seconds = range(begin, int(time.time()) + 1)
         times = [time.asctime(time.gmtime(each + 5.5 * 3600)) for each in seconds]
         start, finish = [times.index(each) for each in re.findall(r"(?:Start |Finish): (.*)", text)]
@@ -118,22 +107,20 @@ class Faults(unittest.TestCase):
         self.assertGreater(finish, start)
 
     def test_floods(self):
-        self.convert(bytes(4 * MIB), status=1, says="Unknown SVF keyword [\0]", limit=LITTLE_MEMORY)
-        self.convert(b"!" + b"x" * 30 * MIB, status=0, limit=LITTLE_MEMORY)
-        self.convert(b" " * 12 * MIB + b"SIR 4 TDI (" + b"0" * 12 * MIB, status=1, says="EOF",
-                     limit=LITTLE_MEMORY)
+        self.convert(bytes(4 * MIB), status=1, says="Unknown SVF keyword [\0]", **LITTLE)
+        self.convert(b"!" + b"x" * 30 * MIB, **LITTLE)
+        digits = b"SIR 4 TDI (" + b"0" * 12 * MIB
+        self.convert(b" " * 12 * MIB + digits, status=1, says="EOF", **LITTLE)
 
     @unittest.skipIf(SANITIZED, "memory is limited by address space")
     def test_what_does_not_fit(self):
-        self.convert(b"SIR 8 TDI (5a); SDR 2000000000 TDI (0);", status=1,
-                     says="Null Ptr [pData NULL]", limit=LITTLE_MEMORY)
-        self.convert(b"SDR 9223372036854775807 TDI (0);", status=1, says="Null Ptr [pData NULL]")
+        much = {"status": 1, "says": "Null Ptr [pData NULL]"}
+        self.convert(b"SIR 8 TDI (5a); SDR 2000000000 TDI (0);", **much, **LITTLE)
+        self.convert(b"SDR 9223372036854775807 TDI (0);", **much)
         # Without a value a length needs no memory, and is no scan yet.
-        self.convert(b"HDR 100000000000; SDR 8 TDI (0);", status=1, says="SVF rule violation",
-                     limit=LITTLE_MEMORY)
+        self.convert(b"HDR 100000000000; SDR 8 TDI (0);", status=1, says="SVF rule", **LITTLE)
         pins = b"".join(b"IN p%090d\n" % number for number in range(200000))
-        self.convert(b"PIOMAP (" + pins + b");", status=1, says="Error  : Null Ptr [memory]",
-                     limit=LITTLE_MEMORY)
+        self.convert(b"PIOMAP (" + pins + b");", status=1, says=": Null Ptr [memory]", **LITTLE)
 
 
 unittest.main()

@@ -46,17 +46,6 @@ def completed(*words):
     return names(r" -+([-\w]+)", output(*COMPLETE, *words, "-"))
 
 
-def manual(number):
-    sections = [f"Options of {mode}\n" for mode in ("both modes", f"mode {number}")]
-    lines = "".join(part("docs/tapforge.1", section, ".Ss") for section in sections)
-    return names(r"(?:Fl|,) (\w+)", "".join(re.findall(r"(?m)^\.It Fl.*", lines)))
-
-
-def synopsis(number):
-    forms = part("docs/tapforge.1", "SYNOPSIS\n", ".Sh").split(".Nm\n")
-    return names(r"Fl (\w+)", forms[number + 1])
-
-
 def zsh(mode):
     arrays = [part("completions/_tapforge", f"\n{name}=(", "\n)") for name in ("both", mode)]
     return names(r"(?m)^  '(?:\(-\w\)|\*)?-(\w+)\[", "".join(arrays))
@@ -67,7 +56,12 @@ class Options(unittest.TestCase):
         rows = part(f"shell/{mode}_options.cc", "kOptions[] = {", "\n};")
         options = names(r'(?:\{|overwriteOption<\w+>\()"(\w+)"', rows)
         options |= {name for word, name in SHARED.items() if word in rows}
-        places |= {"manual": manual(number) | words, "synopsis": synopsis(number)}
+        form = part("docs/tapforge.1", "SYNOPSIS\n", ".Sh").split(".Nm\n")[number + 1]
+        tags = "".join(re.findall(r"(?m)^\.It Fl.*", "".join(
+            part("docs/tapforge.1", f"Options of {modes}\n", ".Ss")
+            for modes in ("both modes", f"mode {number}"))))
+        places |= {"manual": names(r"(?:Fl|,) (\w+)", tags) | words,
+                   "synopsis": names(r"Fl (\w+)", form)}
         for place, found in places.items():
             self.assertEqual(found, options, place)
 

@@ -20,12 +20,15 @@ GPIO = pathlib.Path("/usr/include/linux/gpio.h")
 SIMAVR = pathlib.Path("/usr/include/simavr/sim_avr.h")
 TRACED = "-std=c99 -Iplayer -DKSVF_OWN_WAIT=1 -DKSVF_MAX_BITS=6000 "
 PLAYER = " player/ksvf_player.c player/ksvf_report.c"
+BOARD = "tools/player/traced_board.c" + PLAYER
 ARM = "arm-none-eabi-gcc -mthumb -mcpu=cortex-m0 -Os -nostdlib -ffreestanding " + TRACED
 
 
 def run(command, check=True, **options):
-    return subprocess.run(command.split(), cwd=ROOT, check=check, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, timeout=60, **options).stdout.decode()
+    """What a command says on both streams; unless it is checked, its status, too."""
+    done = subprocess.run(command.split(), cwd=ROOT, check=check, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, timeout=60, **options)
+    return done.stdout.decode() + f"[{done.returncode}]" * (not check)
 
 
 class Line(threading.Thread):
@@ -70,7 +73,8 @@ class Ports(unittest.TestCase):
         cls.addClassCleanup(folder.cleanup)
         cls.folder = pathlib.Path(folder.name)
         (cls.folder / "tapforge-replay").symlink_to(REPLAY)
-        cls.build("cc", TRACED + "-O1 tests/traced_board.c" + PLAYER, "traced")
+        os.environ["PATH"] = f"{cls.folder}:{os.environ['PATH']}"
+        cls.build("cc", TRACED + "-O1 " + BOARD, "traced")
         sources = {path.stem: path.read_text() for path in sorted(EXAMPLES.glob("*.svf"))}
         sources |= {str(seed): random_svf(seed, 80, REFUSED) for seed in range(30)}
         cls.files = [cls.convert(name, text, OPTIONS[i % len(OPTIONS)])
@@ -92,13 +96,12 @@ class Ports(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("avr-gcc") and SIMAVR.exists(), "no avr-gcc, no libsimavr")
     def test_avr(self):
-        self.build("avr-gcc", "-mmcu=atmega1284p -Os " + TRACED + "tests/traced_board.c" + PLAYER,
-                   "avr.elf")
-        self.build("cc", "tests/avr_machine.c -lsimavr -lelf -lm", "avr_machine")
+        self.build("avr-gcc", "-mmcu=atmega1284p -Os " + TRACED + BOARD, "avr.elf")
+        self.build("cc", "tools/player/avr_machine.c -lsimavr -lelf -lm", "avr_machine")
+        machine = f"{self.folder}/avr_machine {self.folder}/avr.elf"
         for file, line in self.lines.items():
-            machine = f"{self.folder}/avr_machine {self.folder}/avr.elf"
-            told = run(machine, input=file.read_bytes()).splitlines(keepends=True)
-            self.assertEqual(told[-1], line, file)
+            told = run(machine, input=file.read_bytes())  # behind what simavr says
+            self.assertEqual(told.splitlines(keepends=True)[-1], line, file)
 
     @unittest.skipUnless(shutil.which("arm-none-eabi-gcc") and shutil.which("qemu-system-arm"),
                          "no gcc-arm-none-eabi, no qemu-system-arm")
@@ -106,12 +109,10 @@ class Ports(unittest.TestCase):
         self.build(ARM, "-c player/microbit.c -Dksvf_port_clock=microbit_clock", "pins.o")
         self.build(ARM, "-c player/serial_port.c -Dksvf_report_result=traced_result", "serial.o")
         self.build(ARM, "-Wl,-e0,--section-start=.vectors=0,-Ttext=0x100,-Tdata=0x20000000 "
-                   f"{self.folder}/pins.o {self.folder}/serial.o tests/traced_board.c" + PLAYER +
-                   " -lgcc", "microbit.elf")
+                   f"{self.folder}/pins.o {self.folder}/serial.o {BOARD} -lgcc", "microbit.elf")
         machine = subprocess.Popen(
-            ["timeout", "300", "qemu-system-arm", "-M", "microbit", "-display", "none", "-monitor",
-             "none", "-serial", "pty", "-kernel", f"{self.folder}/microbit.elf"],
-            stdout=subprocess.PIPE)
+            "timeout 300 qemu-system-arm -M microbit -display none -monitor none -serial pty "
+            f"-kernel {self.folder}/microbit.elf".split(), stdout=subprocess.PIPE)
         self.addCleanup(lambda: (machine.terminate(), machine.communicate()))
         name = machine.stdout.readline().split()[4]
         line = Line(send_ksvf.open_line(name, 115200))
@@ -123,25 +124,21 @@ class Ports(unittest.TestCase):
         self.assertEqual(line.dropped, 0)
 
         # A sender that is killed, and another one with another file.
-        sender = [sys.executable, ROOT / "player/send_ksvf.py", line.name]
+        sender = f"{sys.executable} player/send_ksvf.py {line.name}"
         line.playing.clear()
-        with subprocess.Popen([*sender, self.files[-1]]) as first:
+        with subprocess.Popen([*sender.split(), self.files[-1]], cwd=ROOT) as first:
             self.assertTrue(line.playing.wait(20))
             first.kill()
         wrong = next(file for file, line in self.lines.items() if line.startswith("mismatch"))
-        done = subprocess.run([*sender, wrong, "-svf", wrong.with_suffix(".svf")], timeout=30,
-                              capture_output=True, text=True,
-                              env={**os.environ, "PATH": f"{self.folder}:{os.environ['PATH']}"})
-        scan = self.lines[wrong].split()[3].rstrip(":")
-        statement = run(f"{REPLAY} -scan {scan} {wrong.with_suffix('.svf')}")
-        self.assertEqual((done.stdout, done.stderr, done.returncode),
-                         (self.lines[wrong] + statement, "", 1))
+        scan, source = self.lines[wrong].split()[3].rstrip(":"), wrong.with_suffix(".svf")
+        statement = run(f"{REPLAY} -scan {scan} {source}")
+        self.assertEqual(run(f"{sender} {wrong} -svf {source}", check=False),
+                         f"{self.lines[wrong]}{statement}[1]")
 
         # A file that is refused, and the chain.
         phase, text = send_ksvf.serve(pc, 10, self.files[0].read_bytes()[:-1])
         self.assertRegex(f"{phase} {text}", "check file ends in a command at byte .* 0 00000000")
-        done = subprocess.run([*sender, "-chain"], timeout=30, capture_output=True, text=True)
-        self.assertEqual((done.stdout, done.returncode), ("TDO stays 0\n", 0))
+        self.assertEqual(run(f"{sender} -chain"), "TDO stays 0\n")
 
     @unittest.skipUnless(GPIO.exists() and "GPIO_V2_GET_LINE_IOCTL" in GPIO.read_text(),
                          "no version 2 of the GPIO interface")

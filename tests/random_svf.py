@@ -6,9 +6,7 @@
 The file is valid SVF without these features: values may be left out where they are
 carried over, and statements, values and comments are laid out in every way.
 """
-
-import random
-import sys
+import random, sys
 
 # What a file may hold beside plain statements, one a line.
 FEATURES = {
@@ -25,32 +23,26 @@ FEATURES = {
     "end-states",  # ENDIR, ENDDR
     "odd-ends",  # ... in RESET or the pause state of the other register
     "moves", "paths",  # STATE, with states that are passed
-}  # fmt: skip
-
+}
 STABLE = ("reset", "idle", "drpause", "irpause")
 STATES = """reset idle drselect drcapture drshift drexit1 drpause drexit2 drupdate
             irselect ircapture irshift irexit1 irpause irexit2 irupdate""".split()
-NEXT = {  # by TMS 0 and 1
-    state: (STATES[int("113446641abbddb1"[i], 16)], STATES[int("0295587820ccfef2"[i], 16)])
-    for i, state in enumerate(STATES)
-}
+NEXT = {state: [STATES[int(after, 16)] for after in pair]  # by TMS 0 and 1
+        for state, *pair in zip(STATES, "113446641abbddb1", "0295587820ccfef2")}
 COMMENTS = (" note\n", " SDR 8 TDI (FF);\n", "x; y\n", "// again\n", "\n")
 
 
 class Generator:
     def __init__(self, seed, without=()):
-        self.random = random.Random(seed)
+        self.random, self.text, self.lengths = random.Random(seed), [], {}
         assert FEATURES.issuperset(without), without
         self.has = FEATURES - set(without)
-        self.text = []
-        self.comments = not self.one_in(3)
-        self.lengths = {}
-        self.state = "reset"
-        self.ends = {"sir": "idle", "sdr": "idle"}
-        self.after_scan = False
+        self.comments, self.after_scan = not self.one_in(3), False
+        self.state, self.run_end, self.ends = "reset", "idle", {"sir": "idle", "sdr": "idle"}
 
-    def one_in(self, count):
-        return self.random.randrange(count) == 0
+    def one_in(self, count, feature=""):
+        """True now and then, but never without a feature."""
+        return self.random.randrange(count) == 0 and (not feature or feature in self.has)
 
     def pick(self, *choices):
         return self.random.choice(choices)
@@ -69,7 +61,7 @@ class Generator:
                 self.comment()
 
     def end(self, hides=False):
-        shared = "sharing" in self.has and self.one_in(6) and ("hidden" in self.has or not hides)
+        shared = self.one_in(6, "sharing") and ("hidden" in self.has or not hides)
         self.text.append(";" + " " * self.random.randrange(4))
         if self.remarks and self.one_in(8):
             self.comment()
@@ -88,61 +80,56 @@ class Generator:
         elif self.one_in(12):
             digits = "0" * self.random.randrange(1, 6) + digits
         line = self.pick(1 + self.random.randrange(40), 64, len(digits))
-        digits = "\n".join(digits[i : i + line] for i in range(0, len(digits), line))
-        self.item(name + self.pick("", " "))
+        digits = "\n".join(digits[i:i + line] for i in range(0, len(digits), line))
         given = self.pick("(", "(\n") + self.pick(digits, digits.upper()) + self.pick(")", " )")
+        self.item(name + self.pick("", " "))
         self.item(given, value=True)
 
     def scan(self, keyword):
         length = before = self.lengths.get(keyword, 0)
         chain = keyword[0] != "s"  # header or trailer
         if before == 0 or self.one_in(2):
-            if chain:
-                length = 0 if self.one_in(3) else self.random.randrange(1, 21)
-            elif self.one_in(6):
-                length = self.pick(1, 4, 63, 64, 65, 128, 192, 255, 256)
-            else:
-                most = 40 if keyword == "sir" else 5000 if self.one_in(60) else 300
-                length = self.random.randrange(1, most)
+            most = {"sir": 40, "sdr": 300}.get(keyword, 20) * (16 if self.one_in(30) else 1)
+            length = self.random.randrange(1, most + 1)
+            if self.one_in(3 if chain else 6):
+                length = 0 if chain else self.pick(1, 4, 63, 64, 65, 128, 192, 255, 256)
         self.lengths[keyword] = length
         self.item(keyword, str(length))
         names = ["tdi"] if length != before or self.one_in(2) else []
         compared = keyword == "sdr" or ("chain-tdo" if chain else "ir-tdo") in self.has
         names += [n for n, odds in (("tdo", 2), ("mask", 3)) if compared and self.one_in(odds)]
-        names += ["smask"] if "smask" in self.has and self.one_in(6) else []
+        names += ["smask"] * self.one_in(6, "smask")
         self.random.shuffle(names)
         for name in names if length > 0 else ():
             self.value(name, length)
         self.end(hides=chain)
         if not chain:
-            self.state = self.ends[keyword]
-            self.after_scan = True
+            self.state, self.after_scan = self.ends[keyword], True
 
     def wait(self):
-        run = self.pick(*STABLE) if "run-states" in self.has and self.one_in(3) else None
-        self.item("runtest", *[run] * bool(run))
-        counted = "times" not in self.has or not self.one_in(3)
-        if counted:
+        run = [self.pick(*STABLE)] * self.one_in(3, "run-states")
+        timed = self.one_in(3, "times")
+        self.item("runtest", *run)
+        if not timed:
             most = 1 << 24 if self.one_in(20) else 5000
             self.item("2E3" if self.one_in(10) else str(self.random.randrange(1, most)))
-            self.item("sck" if "sck" in self.has and self.one_in(5) else "tck")
-        if not counted or ("both" in self.has and "times" in self.has and self.one_in(5)):
+            self.item("sck" if self.one_in(5, "sck") else "tck")
+        if timed or (self.one_in(5, "both") and "times" in self.has):
             fine = ("3.757e-02", "50021E-6", "0.0004041") if "fine-times" in self.has else ()
             self.item(self.pick("1E-3", "2.5E-4", "0.0125", "1", "1.5", "5e-6", *fine), "sec")
-            if ("maximum" if counted else "bare-maximum") in self.has and self.one_in(3):
+            if self.one_in(3, "bare-maximum" if timed else "maximum"):
                 self.item("maximum", "1.75e+5", "sec")  # longer than any count here
         # A run state is the end state too, unless one is given.
-        if run or ("run-states" in self.has and self.one_in(3)):
-            self.state = self.run_end = self.pick(*STABLE)
-            self.item("endstate", self.state)
-        else:
-            self.state = getattr(self, "run_end", "idle")
+        if run or self.one_in(3, "run-states"):
+            self.run_end = self.pick(*STABLE)
+            self.item("endstate", self.run_end)
+        self.state = self.run_end
         self.end()
 
     def move(self):
         others = [state for state in STABLE if state != self.state or "pause" not in state]
         path = [self.pick(*others)]
-        if "paths" in self.has and self.one_in(2):
+        if self.one_in(2, "paths"):
             path = [self.pick(*NEXT[self.state])] if self.one_in(2) else path
             while path[-1] not in STABLE or len(path) < 2 or self.one_in(3):
                 path.append(self.pick(*NEXT[path[-1]]))
@@ -156,14 +143,11 @@ class Generator:
         kind = self.random.choices(*zip(*kinds.items()))[0]
         if kind == "wait" and not self.after_scan and "loose-waits" not in self.has:
             kind = "sdr"
-        after_scan, self.after_scan = self.after_scan, False
+        self.after_scan = False
         self.remarks = self.comments and ("remarks" in self.has or kind in ("sdr", "sir", "chain"))
-        if kind in ("sdr", "sir"):
-            self.scan(kind)
-        elif kind == "chain":
-            self.scan(self.pick("hir", "hdr", "tir", "tdr"))
+        if kind in ("sdr", "sir", "chain"):
+            self.scan(self.pick("hir", "hdr", "tir", "tdr") if kind == "chain" else kind)
         elif kind == "wait":
-            self.after_scan = after_scan and "loose-waits" in self.has
             self.wait()
         elif kind == "end-states":
             register = self.pick("sir", "sdr")
@@ -174,7 +158,7 @@ class Generator:
             self.move()
         elif kind == "frequency":
             fine = ("1234567.25 hz", "1500.5 hz") if "fine-frequency" in self.has else ()
-            self.statement_of("frequency", self.pick("", "1E6 hz", "2.5e6  hz", *fine), hides=True)
+            self.statement_of(kind, self.pick("", "1E6 hz", "2.5e6  hz", *fine), hides=True)
         elif kind == "reset-line":
             self.statement_of("trst", self.pick("on", "off", "z"), hides=True)
         else:

@@ -84,8 +84,7 @@ def brief(text):
     """A listing as a page shows it."""
     whole = re.fullmatch(r"KREPEAT 0x20\n(.+)KCOMPLETE\n", text, re.S)
     marked = "" if not text or text.startswith("KREPEAT ") else "no KREPEAT\n"
-    part = whole[1] if whole else marked + text
-    return PREPARES.sub(r"\1 | ", part)
+    return PREPARES.sub(r"\1 | ", whole[1] if whole else marked + text)
 
 
 def shown(text):
@@ -151,25 +150,23 @@ class Page:
         if re.match(r"\w+\(\) \{", command):
             self.functions += re.sub("(?m)^> ", "", command)
             return ""
-        before = {file: file.read_bytes() for file in files(folder)}
-        for file in before:
-            os.utime(file, (1, 1))
+        before = contents(folder)
+        for name in before:
+            os.utime(folder / name, (1, 1))
         printed, errors, status = self.run(command, folder)
-        seen = {file: file.read_bytes() for file in files(folder)}
-        listings = [listing(data) for file, data in seen.items() if file.suffix == ".ksvf"]
+        seen = contents(folder)
+        listings = [listing(data) for name, data in seen.items() if name.endswith(".ksvf")]
         parts = {"stderr": body(errors)} if errors else {}
-        for file, data in seen.items():
-            if file not in before or file.stat().st_mtime != 1:
-                text = listing(data) if file.suffix == ".ksvf" else data.decode("latin-1")
+        for name, data in seen.items():
+            if name not in before or (folder / name).stat().st_mtime != 1:
+                text = listing(data) if name.endswith(".ksvf") else data.decode("latin-1")
                 text = brief(text) if text in listings else text
-                part = " as before" if before.get(file) == data else body(text)
-                parts[str(file.relative_to(folder))] = part
-        parts |= {str(file.relative_to(folder)): " gone" for file in before if file not in seen}
-        lines = [shown(printed)] if printed else []
+                parts[name] = " as before" if before.get(name) == data else body(text)
+        parts |= {name: " gone" for name in before if name not in seen}
+        lines = [shown(printed)] * bool(printed)
         for part in dict.fromkeys(parts.values()):
             lines.append(", ".join(name for name in parts if parts[name] == part) + ":" + part)
-        lines += [f"[{status}]"] if status else []
-        return "".join(line + "\n" for line in lines)
+        return "".join(line + "\n" for line in lines + [f"[{status}]"] * bool(status))
 
     def example(self, match):
         head, *parts = re.split(r"(?m)^\$ ", re.sub("(?m)^ {4}", "", match[2]))
@@ -179,9 +176,9 @@ class Page:
         folder = self.folder / str(self.examples)
         folder.mkdir()
         for names, text in INPUT.findall(head):
-            data = given(re.sub("(?m)^  ", "", text)[:-1]).encode("latin-1") if text else b""
+            text = given(re.sub("(?m)^  ", "", text)[:-1]) if text else ""
             for name in names.split(", "):
-                (folder / name).write_bytes(data)
+                (folder / name).write_bytes(text.encode("latin-1"))
         for part in parts:
             command = COMMAND.match(part)[0]
             head += "$ " + command + self.outcome(command, folder)
@@ -192,8 +189,8 @@ class Page:
         self.examples += len(parts)
         if match[1] in self.without:
             return match[0]
+        roff = self.path.suffix == ".1"
         for part in parts:
-            roff = self.path.suffix == ".1"
             text = part.replace(r"\&", "").replace(r"\e", "\\") if roff else part
             command = COMMAND.match(text)[0]
             printed, _, status = self.run(command, self.folder / "terminal", apart=False)
@@ -205,8 +202,9 @@ class Page:
         return match[0].replace(match[2], head)
 
 
-def files(folder):
-    return sorted(file for file in folder.rglob("*") if file.is_file())
+def contents(folder):
+    return {str(file.relative_to(folder)): file.read_bytes()
+            for file in sorted(folder.rglob("*")) if file.is_file()}
 
 
 def dead_links(path):
@@ -225,10 +223,9 @@ def check(path, options):
     with tempfile.TemporaryDirectory() as folder:
         page = Page(path, pathlib.Path(folder), options)
         seen = TERMINAL.sub(page.terminal, EXAMPLE.sub(page.example, text))
-    faults = []
+    faults = list(dead_links(path))
     if (page.examples == 0) != (str(path.resolve()).removeprefix(f"{ROOT}/") in BARE):
         faults.append(f"{path}: {page.examples} examples; BARE lists the documents without any\n")
-    faults += dead_links(path)
     if options.update and seen != text:
         path.write_text(seen)
     elif seen != text:
@@ -238,8 +235,8 @@ def check(path, options):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__,
-                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    form = argparse.RawDescriptionHelpFormatter
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=form)
     parser.add_argument("--update", action="store_true", help="write what was seen into the pages")
     parser.add_argument("--emulator", default="", help="command that runs PROGRAM and the tools")
     parser.add_argument("--without", action="append", default=[], metavar="WORD")
@@ -250,7 +247,7 @@ def main():
     options = parser.parse_args()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         results = list(pool.map(lambda path: check(path, options), options.pages))
-    print("".join(line for lines, _ in results for line in lines), end="")
+    print(*(line for lines, _ in results for line in lines), sep="", end="")
     return any(bad for _, bad in results)
 
 

@@ -7,25 +7,17 @@
 
 namespace tapforge::testing {
 
-namespace {
-
-FilePtr newFile() {
+FilePtr fileWith(std::string_view text) {
 #ifdef _WIN32
   // std::tmpfile() may give two processes one file. This one is gone when it is closed: "D".
   static const std::string ours = std::to_string(std::random_device()());
   static int count = 0;
   const std::string name = "tapforge" + ours + "-" + std::to_string(++count);
-  return FilePtr(
-      std::fopen((std::filesystem::temp_directory_path() / name).string().c_str(), "w+bTD"));
+  const std::string path = (std::filesystem::temp_directory_path() / name).string();
+  FilePtr file(std::fopen(path.c_str(), "w+bTD"));
 #else
-  return FilePtr(std::tmpfile());
+  FilePtr file(std::tmpfile());
 #endif
-}
-
-}  // namespace
-
-FilePtr fileWith(std::string_view text) {
-  FilePtr file = newFile();
   if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file.get()) != text.size()) {
     std::abort();
   }

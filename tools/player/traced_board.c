@@ -1,7 +1,7 @@
 /* A chain that answers as the file expects, but now and then with a wrong bit, and
    keeps a sum of all pins: a file gives the same line on every machine. Reads it from
-   standard input on a PC, from registers that tests/avr_machine.c fills on an AVR; on
-   a Cortex-M0 it stands between player/serial_port.c and player/microbit.c. */
+   standard input on a PC, from registers that avr_machine.c fills on an AVR; on a
+   Cortex-M0 it stands between player/serial_port.c and player/microbit.c. */
 
 #include "ksvf_player.h"
 #include "ksvf_report.h"
