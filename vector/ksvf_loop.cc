@@ -202,21 +202,9 @@ class KsvfLoop final : private CommentSink {
     readRunTest(channel_, [&](const RunTestPart& part) {
       numbers.add(part);
       using Kind = RunTestPart::Kind;
-      switch (part.kind) {
-        case Kind::runState:
-          pGlobTapData_.iRunState = part.state;
-          break;
-        case Kind::endState:
-          pGlobTapData_.iRunEndState = part.state;
-          break;
-        case Kind::time:
-          numbers.fRunCount = countOfTime(part);
-          break;
-        case Kind::count:
-        case Kind::minTime:
-        case Kind::maxTime:
-          break;
-      }
+      if (part.kind == Kind::runState) pGlobTapData_.iRunState = part.state;
+      if (part.kind == Kind::endState) pGlobTapData_.iRunEndState = part.state;
+      if (part.kind == Kind::time) numbers.fRunCount = countOfTime(part);
     });
     checkRunTest(numbers, pGlobTapData_.fTckFreq, report_);
     return truncated(numbers.fRunCount);
