@@ -144,7 +144,7 @@ class ScriptWriter : public CommentSink {
         return;
       }
       const CompositeScan bits(data, length);
-      const CompositeScan kept({mask}, length);
+      const CompositeScan kept(mask != nullptr ? BitSource{mask} : data, length);
       use([&bits, &kept](std::int64_t low) { return bits(low) & kept(low); });
     }
   };
