@@ -22,15 +22,18 @@ namespace {
 constexpr const char* kOptions[] = {
     "-w",
     "-w -c -wait 3",
+    "-w -exact",
     "-w -s -wait 7",
     "-tapbus -w",
     "-tapbus -w -c -linenum 2 -tck_freq 999999",
+    "-tapbus -w -exact -max_rti_tck 90000 -tck_freq 999999",
     "-tapbus -w -s -wait 0x10 -max_rti_tck 90000 -tck_freq 3000000",
     "-ksvf -w -a listing -tck_freq 1000000",
     "-ksvf -w -a listing -tck_freq 3000000 -fpga",
     "-ksvf -w -a listing -tck_freq 12345678 -fpga -rlen 68 -useKSDR -v2",
     "-ksvf -w -a listing -tck_freq 7654321 -kwait -kprintsrc 3",
     "-ksvf -w -a listing -tck_freq 1000000 -extensions -multiple_runtest",
+    "-ksvf -w -a listing -tck_freq 1000000 -exact",
     "-ksvf -w -a listing -tck_freq 1000000 -extensions -kwait -useKSDR -s",
     "-ksvf -w -a listing -tck_freq 60 -inorder -runmin 100 -r 255 -kprintsrc 2",
 };
