@@ -79,7 +79,7 @@ void Comparison::compareGap() {
     }
   }
   if (!isRateCompared_) compareRates();
-  waits_.endPlace();
+  endPlace();
   waits_.endGap();
   // Another scan, or the end in place of one, is told as that.
   if (isAway_ && isSameScan()) {
@@ -94,13 +94,28 @@ void Comparison::takeWait(Side& side) {
   // Without its FREQUENCY a wait for clocks is as short as the clock is fast.
   const bool isTck = side.wait.clocks > 0 && !side.wait.systemClock;
   if (!isConverted && isTck && converted_.frequency == kNowhere) waits_.limitTo(side.hertz);
+  const bool isSaid = side.frequency != kNowhere || !isConverted;
+  if (isSaid && side.hertz > side.fastest) {
+    side.fastest = side.hertz;
+    side.fastestFrequency = side.frequency;
+  }
   waits_.add({side.wait, side.operation.place, side.hertz}, isConverted);
   side.next();
 }
 
+// A rate that is in force no more, but was for a wait; others are compared by compareRates().
+void Comparison::endPlace() {
+  const double allowed = std::max(source_.fastest, source_.hertz) * kHertzTolerance;
+  if (converted_.fastest > allowed && converted_.fastest != converted_.hertz) {
+    tell(Difference::kTooFast, source_.frequency, converted_.fastestFrequency);
+  }
+  source_.fastest = converted_.fastest = 0;
+  waits_.endPlace();
+}
+
 void Comparison::compareStates() {
   if (!isRateCompared_) compareRates();
-  waits_.endPlace();
+  endPlace();
   if (source_.kind == converted_.kind && source_.state == converted_.state) {
     source_.next();
     converted_.next();
@@ -128,7 +143,7 @@ void Comparison::compareSettings() {
     return operation.kind == Kind::kResetLine && operation.word == "on";
   };
   isResetUsed_ = isResetUsed_ || isOn(setting) || (isBoth && isOn(from));
-  if (isBoth) waits_.endPlace();
+  if (isBoth) endPlace();
   if (!isSame && setting.kind != Kind::kFrequency) {  // which is compared where it is in force
     tell(setting.kind == Kind::kParallelIo ? Difference::kParallelIo
          : isResetUsed_                    ? Difference::kResetLine

@@ -30,7 +30,9 @@ class Comparison {
     using Steps::Steps;
     double hertz = kAnyHertz;          // the FREQUENCY in force,
     std::string frequency = kNowhere;  // and where it is set
-    std::string detour;                // where the states begin to differ
+    double fastest = 0;                // the highest one of a wait of this place
+    std::string fastestFrequency;
+    std::string detour;  // where the states begin to differ
 
     std::string text() const;  // place and text of the operation
   };
@@ -38,6 +40,7 @@ class Comparison {
 
   void compareGap();  // all up to the next scans
   void takeWait(Side& side);
+  void endPlace();
   void compareStates();
   void compareSettings();
   void passSetting(Side& side);

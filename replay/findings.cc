@@ -44,11 +44,8 @@ std::string Findings::text() const {
     const Entry& entry = entries_[i];
     if (entry.count == 0) continue;
     text.append(kDifferenceRules[i].name).append(": " + std::to_string(entry.count) + " (");
-    text.append(kDifferenceRules[i].meaning)
-        .append(")\n  first: ")
-        .append(entry.first)
-        .append("\n");
-    if (!entry.largest.empty()) text.append("  largest: ").append(entry.largest).append("\n");
+    text.append(kDifferenceRules[i].meaning).append(")\n  first: " + entry.first + "\n");
+    if (!entry.largest.empty()) text += "  largest: " + entry.largest + "\n";
   }
   return text;
 }

@@ -6,11 +6,8 @@
 #include <cmath>
 
 namespace tapforge_replay {
-namespace {
 
-constexpr std::size_t kMostNotes = 10;
-
-}  // namespace
+static constexpr std::size_t kMostNotes = 10;
 
 std::string describe(const Place& place) {
   return place.line != 0 ? "line " + std::to_string(place.line)

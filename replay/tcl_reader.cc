@@ -132,8 +132,8 @@ class TclReader final : public TextReader {
       isOperation = false;
       if (needArgument() != "\"---" || needArgument() != "line") refuse(argument_);
       const std::string_view number = needArgument();
-      if (number.find_first_not_of("0123456789") != number.size() - 1) refuse(number);
-      if (number.back() != '"') refuse(number);
+      const std::size_t end = number.find_first_not_of("0123456789");
+      if (end != number.size() - 1 || number[end] != '"') refuse(number);
     } else {
       refuse(command_);
     }
@@ -199,6 +199,17 @@ class TclReader final : public TextReader {
     finishMove(states, operation);
   }
 
+  // Properties stay until they are set anew. A TDO of another length cannot come true.
+  static void setLength(Pattern& pattern, std::size_t length) {
+    if (length == pattern.length) return;
+    Pattern::Value& tdo = pattern[Pattern::kTdo];
+    const bool isStale = tdo.given;
+    pattern.begin(length);
+    tdo.given = isStale;
+    tdo.bits.clear();
+    tdo.bits.append(length, false);
+  }
+
   bool property(Operation& operation) {
     const std::string name(needArgument());
     const bool isEnd = name == "ENDSTATE_IR" || name == "ENDSTATE_DR";
@@ -211,8 +222,7 @@ class TclReader final : public TextReader {
       Pattern& pattern =
           joiner_.pattern(piece <= 4, name[0] == 'h' ? ScanJoiner::kHeader : ScanJoiner::kTrailer);
       if (what == "_length") {
-        pattern.begin(0);
-        pattern.begin(length(needDigits()));
+        setLength(pattern, length(needDigits()));
       } else {
         value(pattern, what, {"_TDI", "_TDO", "_TDO_mask"});
       }

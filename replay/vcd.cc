@@ -20,10 +20,7 @@ constexpr std::size_t kMostDigits = 16;  // of a value in the list
 class Drawer {
  public:
   Drawer(double hertz, Output& pins, Output& list)
-      : pins_(pins),
-        list_(list),
-        firstHertz_(hertz > 0 ? hertz : kUsualHertz),
-        hertz_(firstHertz_) {}
+      : pins_(pins), list_(list), firstHertz_(hertz), hertz_(hertz) {}
 
   void draw(Operation& operation) {
     const bool isScan = operation.kind == Kind::kScan;
@@ -136,7 +133,7 @@ class Drawer {
 }  // namespace
 
 void writeVcd(Reader& reader, double tckHertz, Output& pins, Output& list) {
-  Drawer drawer(tckHertz, pins, list);
+  Drawer drawer(tckHertz > 0 ? tckHertz : kUsualHertz, pins, list);
   Operation operation;
   while (reader.next(operation), operation.kind != Kind::kEnd) drawer.draw(operation);
   drawer.end();

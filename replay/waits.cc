@@ -22,6 +22,11 @@ constexpr double kLeast = 1e-6;         // clocks
 
 WaitList alone(const PlacedWait& wait) { return {{wait}, {}, 1}; }
 
+bool hasMaximum(const WaitList& list) {
+  return std::any_of(list.first.begin(), list.first.end(),
+                     [](const PlacedWait& each) { return each.wait.maximum >= 0; });
+}
+
 }  // namespace
 
 void WaitList::Sum::add(const PlacedWait& wait, bool isTime) {
@@ -203,7 +208,8 @@ void WaitComparison::tellMaximum(const WaitPair& pair, const WaitPair::Judgement
   const WaitList::Sum given = pair.to.sumAt(judgement.rate);
   const double lasts = given.clocksAt(judgement.rate) / judgement.rate;
   const bool isLonger = judgement.verdict == Verdict::kLonger && lasts > most;
-  if (isLonger || given.maximum * kMostRounded < most) {
+  const bool isNew = most == kAnyHertz && hasMaximum(pair.to) && !hasMaximum(pair.from);
+  if (isLonger || isNew || given.maximum * kMostRounded < most) {
     tell(Difference::kBeyondMaximum, lasts, pair);
   } else if (std::min(given.maximum, kAnyHertz) != most) {
     tell(Difference::kMaximumTimes, 0, pair);
