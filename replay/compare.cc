@@ -62,13 +62,18 @@ void Comparison::run() {
 
 void Comparison::compareGap() {
   isAway_ = false;
+  for (Side* side : {&source_, &converted_}) side->resets = side->shifts = 0;
   while (true) {
     bool isPassed = false;
     for (Side* side : {&source_, &converted_}) {
       const bool isState = isAway_ && side->kind == Kind::kMove;
       isPassed = isPassed || isState || side->kind == Kind::kWait;
       if (side->kind == Kind::kWait) takeWait(*side);
-      if (isState) side->next();
+      if (!isState) continue;
+      side->resets += side->state == TapState::kReset ? 1 : 0;
+      const bool isShift = side->state == TapState::kDrShift || side->state == TapState::kIrShift;
+      side->shifts += isShift ? 1 : 0;
+      side->next();
     }
     if (isPassed) continue;
     if (source_.isGapOver() && converted_.isGapOver()) break;
@@ -79,43 +84,30 @@ void Comparison::compareGap() {
     }
   }
   if (!isRateCompared_) compareRates();
-  endPlace();
+  waits_.endPlace();
   waits_.endGap();
   // Another scan, or the end in place of one, is told as that.
   if (isAway_ && isSameScan()) {
-    tell(isMove_ ? Difference::kStateMoves : Difference::kEndStates, source_.detour,
+    const bool isMove =
+        isMove_ || source_.resets != converted_.resets || source_.shifts != converted_.shifts;
+    tell(isMove ? Difference::kStateMoves : Difference::kEndStates, source_.detour,
          converted_.detour);
   }
 }
 
 void Comparison::takeWait(Side& side) {
   const bool isConverted = &side == &converted_;
-  if (!isConverted && !isRateCompared_) compareRates();
+  if (!isRateCompared_) compareRates();
   // Without its FREQUENCY a wait for clocks is as short as the clock is fast.
   const bool isTck = side.wait.clocks > 0 && !side.wait.systemClock;
   if (!isConverted && isTck && converted_.frequency == kNowhere) waits_.limitTo(side.hertz);
-  const bool isSaid = side.frequency != kNowhere || !isConverted;
-  if (isSaid && side.hertz > side.fastest) {
-    side.fastest = side.hertz;
-    side.fastestFrequency = side.frequency;
-  }
   waits_.add({side.wait, side.operation.place, side.hertz}, isConverted);
   side.next();
 }
 
-// A rate that is in force no more, but was for a wait; others are compared by compareRates().
-void Comparison::endPlace() {
-  const double allowed = std::max(source_.fastest, source_.hertz) * kHertzTolerance;
-  if (converted_.fastest > allowed && converted_.fastest != converted_.hertz) {
-    tell(Difference::kTooFast, source_.frequency, converted_.fastestFrequency);
-  }
-  source_.fastest = converted_.fastest = 0;
-  waits_.endPlace();
-}
-
 void Comparison::compareStates() {
   if (!isRateCompared_) compareRates();
-  endPlace();
+  waits_.endPlace();
   if (source_.kind == converted_.kind && source_.state == converted_.state) {
     source_.next();
     converted_.next();
@@ -143,7 +135,7 @@ void Comparison::compareSettings() {
     return operation.kind == Kind::kResetLine && operation.word == "on";
   };
   isResetUsed_ = isResetUsed_ || isOn(setting) || (isBoth && isOn(from));
-  if (isBoth) endPlace();
+  if (isBoth) waits_.endPlace();
   if (!isSame && setting.kind != Kind::kFrequency) {  // which is compared where it is in force
     tell(setting.kind == Kind::kParallelIo ? Difference::kParallelIo
          : isResetUsed_                    ? Difference::kResetLine

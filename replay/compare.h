@@ -30,9 +30,9 @@ class Comparison {
     using Steps::Steps;
     double hertz = kAnyHertz;          // the FREQUENCY in force,
     std::string frequency = kNowhere;  // and where it is set
-    double fastest = 0;                // the highest one of a wait of this place
-    std::string fastestFrequency;
-    std::string detour;  // where the states begin to differ
+    std::uint64_t resets = 0;          // entered where the states differ,
+    std::uint64_t shifts = 0;          // and TCKs in shift states there
+    std::string detour;                // where the states begin to differ
 
     std::string text() const;  // place and text of the operation
   };
@@ -40,7 +40,6 @@ class Comparison {
 
   void compareGap();  // all up to the next scans
   void takeWait(Side& side);
-  void endPlace();
   void compareStates();
   void compareSettings();
   void passSetting(Side& side);

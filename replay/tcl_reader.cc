@@ -91,6 +91,7 @@ class TclReader final : public TextReader {
     while (!endsWord(input_.peek()) && argument_.size() < kMostWord) {
       argument_ += static_cast<char>(input_.get());
     }
+    if (argument_.size() == kMostWord) fail("a word that is too long");
     const std::string_view word = argument_;
     const bool quoted = (word.starts_with('{') && word.ends_with('}')) ||
                         (word.starts_with('"') && word.ends_with('"'));
@@ -150,6 +151,10 @@ class TclReader final : public TextReader {
       value(pattern, option, {"-tdi", "-tdo", "-mask"});
     }
     if (!pattern[Pattern::kTdi].given) failAsMerged();
+    for (const auto piece : {ScanJoiner::kHeader, ScanJoiner::kTrailer}) {
+      const Pattern& frame = joiner_.pattern(instruction, piece);
+      if (frame.length > 0 && !frame[Pattern::kTdi].given) fail("a header or trailer without TDI");
+    }
     finishScan(instruction, operation);
   }
 
