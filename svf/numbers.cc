@@ -115,8 +115,7 @@ Number getExact(FileChannel& channel) {
         concat("-exact: [", text, "] is no digits[.digits][E[+|-]digits] in one piece"));
   }
   const double value = std::strtod(text.c_str(), nullptr);
-  const auto product = exactProduct(text, 1);
-  const bool isZero = product && product->whole == 0 && !product->hasFraction;
+  const bool isZero = text.find_first_of("123456789") >= text.find_first_of("eE");
   if (value > 0x1p53 || (value < std::numeric_limits<double>::min() && !isZero)) {
     channel.report().fatal(concat("-exact: [", text, "] is too large or too small"));
   }
