@@ -115,7 +115,8 @@ Number getExact(FileChannel& channel) {
         concat("-exact: [", text, "] is no digits[.digits][E[+|-]digits] in one piece"));
   }
   const double value = std::strtod(text.c_str(), nullptr);
-  const bool isZero = text.find_first_of("123456789") >= text.find_first_of("eE");
+  const std::size_t first = text.find_first_not_of("0.");
+  const bool isZero = first == text.npos || toLower(text[first]) == 'e';
   if (value > 0x1p53 || (value < std::numeric_limits<double>::min() && !isZero)) {
     channel.report().fatal(concat("-exact: [", text, "] is too large or too small"));
   }
