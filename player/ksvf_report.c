@@ -71,7 +71,7 @@ void ksvf_put_text(void* port, KsvfPut put, const char* text) {
 }
 
 void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put) {
-  const char* text = text_of(player->result);
+  const char* text = text_of((enum KsvfResult)player->result);
   for (; *text != 0; ++text) {
     if (*text == '%') {
       ++text;
