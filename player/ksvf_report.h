@@ -24,8 +24,9 @@ void ksvf_report_result(const struct KsvfPlayer* player, KsvfPut put);
 /* The devices of a chain, a line each, the one nearest to TDO first. Needs no file:
    after Test-Logic-Reset a data scan brings out the IDCODE of each device, and a
    single 0 of one that has none. It moves all TAPs through Shift-DR and back to
-   Test-Logic-Reset, and leaves the devices as they were. Returns their number; where
-   TDO keeps one level, it says so. */
+   Test-Logic-Reset, and leaves the devices as they were, unless a play was stopped or
+   did not match: what it left in a register passes Update. KSVF_STOP is a 1 here.
+   Returns their number; where TDO keeps one level, it says so. */
 unsigned ksvf_report_chain(void* port, KsvfPut put);
 
 #ifdef __cplusplus

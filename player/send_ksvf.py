@@ -14,7 +14,7 @@ Status: 0 played to its end, 1 refused or not as expected, 2 not played for anot
 import argparse, binascii, os, pathlib, re, select, subprocess, sys, termios, tty
 
 CHAIN, END = 254, 255
-REQUEST = re.compile(rb"(check|play) (\d+) (\d+)")
+REQUEST = re.compile(rb"(check|play) (\d+) (\d+) (\d+)")
 
 
 def open_line(name, baud):
@@ -45,10 +45,10 @@ def lines_of(line, silence):
         yield one
 
 
-def answer(line, offset, first, data=b""):
+def answer(line, question, first, data=b""):
     """Sends the one answer that the board has asked for."""
     body = bytes([first]) + data
-    crc = binascii.crc_hqx(offset.to_bytes(4, "big") + body, 0xFFFF)
+    crc = binascii.crc_hqx(question.to_bytes(4, "big") + body, 0xFFFF)
     body += crc.to_bytes(2, "big")
     while body:
         body = body[os.write(line, body):]
@@ -69,13 +69,13 @@ def serve(line, silence, data):
             if times > 20:
                 raise OSError(f"the block at byte {offset} does not reach the board")
             part = (data or b"")[offset:offset + int(request[3])]
-            answer(line, offset, CHAIN if data is None else len(part), part)
+            answer(line, int(request[4]), CHAIN if data is None else len(part), part)
             expected = [here, (phase, offset + len(part)), ("play", 0)]
             if data and sys.stderr.isatty():
                 percent = 100 * (offset + len(part)) // len(data)
                 print(f"\r{phase} {percent:3} %", end="", file=sys.stderr, flush=True)
         elif here and not phase:  # the board still is at a file that somebody gave up
-            answer(line, here[1], END)
+            answer(line, int(request[4]), END)
         elif here == ("check", 0):
             raise OSError("the board has begun anew, and the result is lost")
         elif phase and not request:

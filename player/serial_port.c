@@ -11,6 +11,7 @@ static uint8_t length;    /* bytes of the file in it */
 static uint8_t next;      /* the first one that the player has not read */
 static uint32_t offset;   /* in the file, behind the block */
 static const char* phase; /* "check" or "play" */
+static uint32_t question; /* its number, so that a late answer is none to the next one */
 static uint16_t crc;      /* of the answer so far */
 static bool chain_wanted;
 
@@ -48,10 +49,13 @@ static int ask(void) {
   ksvf_put_number(&player, put, offset, 10, 1);
   put(&player, ' ');
   ksvf_put_number(&player, put, KSVF_BLOCK, 10, 1);
+  put(&player, ' ');
+  ++question;
+  ksvf_put_number(&player, put, question, 10, 1);
   put(&player, '\n');
   crc = 0xffff;
   for (i = 24; i >= 0; i -= 8) {
-    add_to_crc((uint8_t)(offset >> i));
+    add_to_crc((uint8_t)(question >> i));
   }
   count = get();
   byte = count;
