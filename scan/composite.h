@@ -10,7 +10,7 @@ namespace tapforge {
 
 /// Bits of a value: those of a field, or the same one everywhere.
 struct BitSource {
-  const CTapField* field;  // null: `fill`
+  const CTapField* field = nullptr;  // then `fill`
   std::uint64_t fill = ~std::uint64_t{0};
 
   /// All of them, where they are at most 64.
@@ -108,8 +108,8 @@ class CompositeScan {
  private:
   struct Piece {
     BitSource source;
-    std::int64_t begin;  // the scan's bit that is the piece's bit 0
-    std::int64_t end;
+    std::int64_t begin = 0;  // the scan's bit that is the piece's bit 0
+    std::int64_t end = 0;
   };
 
   void setBody(const CTapField* field, std::int64_t begin, std::int64_t end);
