@@ -23,8 +23,8 @@ struct BitSource {
 /// whole chain that they make together: the header's bits lowest (shifted
 /// first), then the statement's own, then the trailer's.
 ///
-/// A header or trailer without a value is filled with 1s for TDI and SMASK and
-/// with 0s for TDO and MASK; the statement's own bits are filled with 1s.
+/// A header or trailer that has bits has a TDI; without SMASK it is filled with 1s,
+/// without TDO or MASK with 0s. The statement's own bits are filled with 1s.
 ///
 /// What is compared is what a MASK says in a scan that has a TDO. With compareExactly()
 /// it is what SVF means: the bits of each of the three that has a TDO, under its MASK
