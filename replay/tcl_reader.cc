@@ -11,7 +11,7 @@ namespace {
 
 using Kind = Operation::Kind;
 
-constexpr std::size_t kMostWord = 10000;  // characters of a word that is no value
+constexpr std::size_t kMostName = 10000;  // characters of a word that is no value
 
 bool isBlank(int c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 bool isLineEnd(int c) { return c == '\n' || c == '\r'; }
@@ -88,10 +88,10 @@ class TclReader final : public TextReader {
   std::string_view argument() {
     beginWord();
     argument_.clear();
-    while (!endsWord(input_.peek()) && argument_.size() < kMostWord) {
+    while (!endsWord(input_.peek()) && argument_.size() < kMostName) {
       argument_ += static_cast<char>(input_.get());
     }
-    if (argument_.size() == kMostWord) fail("a word that is too long");
+    if (argument_.size() == kMostName) fail("a word that is too long");
     const std::string_view word = argument_;
     const bool quoted = (word.starts_with('{') && word.ends_with('}')) ||
                         (word.starts_with('"') && word.ends_with('"'));

@@ -14,8 +14,8 @@ using Kind = Operation::Kind;
 constexpr double kDrawnClocks = 16;   // of a wait
 constexpr double kMostUnits = 1e18;   // of time
 constexpr double kUnitsOfClock = 10;  // at least, at the rate of the start
-constexpr double kUsualHertz = 1e6;
-constexpr std::size_t kMostDigits = 16;  // of a value in the list
+constexpr double kDrawnHertz = 1e6;
+constexpr std::size_t kListedDigits = 16;  // of a value in the list
 
 class Drawer {
  public:
@@ -100,7 +100,7 @@ class Drawer {
   void scan(Operation& scan) {
     constexpr double kMicroseconds = 1e6;
     list_ << numberText(std::floor(time_) / (unitsOfSecond_ / kMicroseconds)) +
-                 " us: " + listed(scan, kMostDigits) + "\n";
+                 " us: " + listed(scan, kListedDigits) + "\n";
     const std::size_t bits = scan.tdi->size();
     for (std::size_t i = 0; i < bits; ++i) {
       const bool compared = scan.mask != nullptr && scan.mask->bit(i);
@@ -133,7 +133,7 @@ class Drawer {
 }  // namespace
 
 void writeVcd(Reader& reader, double tckHertz, Output& pins, Output& list) {
-  Drawer drawer(tckHertz > 0 ? tckHertz : kUsualHertz, pins, list);
+  Drawer drawer(tckHertz > 0 ? tckHertz : kDrawnHertz, pins, list);
   Operation operation;
   while (reader.next(operation), operation.kind != Kind::kEnd) drawer.draw(operation);
   drawer.end();

@@ -6,7 +6,7 @@
 namespace tapforge::progmode_svf2tapbus {
 namespace {
 
-constexpr FormWords kWords = {
+constexpr FormWords kSvfWords = {
     .comment = "",
     .scan = {"SIR", "SDR"},
     .scanEnd = " ;",
@@ -21,7 +21,7 @@ constexpr FormWords kWords = {
 class SvfWriter final : public ScriptWriter {
  public:
   SvfWriter(const ScriptVars& vars, OutputFile& output, Reporter& report)
-      : ScriptWriter(kWords, vars, output, report) {}
+      : ScriptWriter(kSvfWords, vars, output, report) {}
 
   void endStateStatement(ScanRegister which, TapState state) override {
     sBufStatement_ = which == ScanRegister::data ? ShortText("ENDDR ") : ShortText("ENDIR ");
@@ -50,7 +50,7 @@ class SvfWriter final : public ScriptWriter {
     output_.write(note);
     output_.write(concat(keyword, " ", pattern.lLength()));
     if (pattern.lLength() > 0) printDataAndMask(keyword, pattern, true);
-    output_.write(kWords.statementEnd.view());
+    output_.write(kSvfWords.statementEnd.view());
     writeSeparator(rest);
   }
 

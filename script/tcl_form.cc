@@ -10,7 +10,7 @@
 namespace tapforge::progmode_svf2tapbus {
 namespace {
 
-constexpr FormWords kWords = {
+constexpr FormWords kTclWords = {
     .comment = "#-",
     .scan = {"scan_ir_tapbus ", "scan_dr_tapbus "},
     .scanEnd = "\n",
@@ -27,7 +27,7 @@ constexpr std::int64_t kDefaultTckFreq = 1000000;  // Hz, of -tck_freq
 class TclWriter final : public ScriptWriter {
  public:
   TclWriter(const ScriptVars& vars, OutputFile& output, Reporter& report)
-      : ScriptWriter(kWords, vars, output, report) {}
+      : ScriptWriter(kTclWords, vars, output, report) {}
 
   void endStateStatement(ScanRegister which, TapState state) override {
     sBufStatement_.clear();
@@ -79,7 +79,7 @@ class TclWriter final : public ScriptWriter {
     while (clocks > most) {
       sBufStatement_ += concat(" -tck ", most);
       writeLine();
-      sBufStatement_ = kWords.runTest;
+      sBufStatement_ = kTclWords.runTest;
       clocks -= most;
     }
     sBufStatement_ += " -tck ";
