@@ -198,8 +198,9 @@ TEST(Refusals, EndOfFileInsideAStatement) {
             "\nError  : Unexpected EOF\nFile [input]\tLine 1 (last item read [ ]):\n"
             "SIR 8 TDI (1\n           ^*\n");
   // A blank at the very end has been read with a word, and is seen behind a number.
+  const std::string wide(195, ' ');
   const std::pair<std::string, std::size_t> blanks[] = {
-      {"SIR ", 0}, {"SIR  ", 4}, {"SIR 8 ", 5}, {"FREQUENCY 1E6\t", 13}, {"STATE IDLE ", 6}};
+      {"SIR ", 0}, {"SIR" + wide, 197}, {"SIR 8 ", 5}, {"FREQUENCY 1E6\t", 13}, {"STATE IDLE ", 6}};
   for (const auto& [svf, column] : blanks) {
     const std::string caret = "\n" + svf + "\n" + std::string(column, ' ') + "^*\n";
     EXPECT_TRUE(toScript(svf).messages.ends_with(caret)) << svf;

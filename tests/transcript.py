@@ -41,7 +41,7 @@ BANNER = re.compile(r"\n\*{6} .*\n  \*{4} .*\n    \*\* .*\n\n\n(\n(?!\*{6} ))?")
 MASKS = [(r"(?m)^(  \*{4} Build date : )\w{3} [ \d]\d \d{4}-\d\d:\d\d:\d\d$", r"\1<date>"),
          (r"(?m)^((?:Start|Finish) {0,2}: )\w{3} \w{3} [ \d]\d \d\d:\d\d:\d\d \d{4}$", r"\1<time>"),
          (r"(?m)^( +Elapsed [Tt]ime \()\d\d:\d\d:\d\d(?=\))", r"\1<elapsed>"),
-         (r"(?m)^(- Date is                : \[)[^]\n]+(?=\]$)", r"\1<time>")]
+         (r"(?m)^(- Date is                : \[)[^]%\n]+(?=\]$)", r"\1<time>")]
 # A page shows these on the line of the scan that they prepare, and a path as one line.
 PREPARES = re.compile(r"(?m)^((?:KRUNTEST|KSDRSIZE|KTDOMASK) \w+(?=\nK)|KSTATE \w+(?=\nKSTATE))\n")
 # Documents that are known to have no examples; any other page without one has lost them.
