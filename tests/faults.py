@@ -49,6 +49,8 @@ class Faults(unittest.TestCase):
                         "-ksvf -a /dev/full -o out"):
             with self.subTest(options):
                 self.run_it(f"{options} -i in.svf", 1, "Error  : /dev/full file error")
+        (self.at / "in.svf").write_text("FOO;\n" * 9000)  # more messages than wait for a log
+        self.assertEqual(self.run_it("-z 1 -l /dev/full -i in.svf -o out", 1).count("Finish"), 1)
 
     def test_file_that_may_grow_no_more(self):
         # Not at the first write but in the middle, and what was written stays.
