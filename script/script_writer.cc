@@ -27,14 +27,12 @@ void ScriptWriter::lineMarker(std::int64_t line) {
 
 void ScriptWriter::writeStatement(LineRest rest) {
   output_.write(sBufStatement_.view());
-  sBufStatement_.clear();
   writeSeparator(rest);
 }
 
 void ScriptWriter::writeLine() {
   output_.write(sBufStatement_.view());
   output_.put('\n');
-  sBufStatement_.clear();
 }
 
 void ScriptWriter::writeBlanks(std::size_t count) {

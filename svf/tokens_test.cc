@@ -153,6 +153,7 @@ TEST(Tokens, HaveAPlace) {
           // A word that is too long has been read up to the limit.
           {blanks(198) + std::string(99, 'w'), "1[]0:" + std::string(98, 'w'), "1[ ]"},
           {blanks(150) + std::string(99, 'w'), "1[]0:" + std::string(50, 'w'), "1[ ]"},
+          {std::string(30, '0') + "\n\n", "1[]0:" + std::string(30, '0'), "1[]"},
           {blanks(198) + "/x", "1[/]0:x", "1[x]"},
       },
       place);
